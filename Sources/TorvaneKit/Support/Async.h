@@ -1,0 +1,218 @@
+#pragma once
+
+#include "Support/Worker.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+
+#include <algorithm>
+#include <coroutine>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+/// Awaiting on the main loop. g++ 12 destroys some temporaries inside a `co_await` expression twice, so `co_await`
+/// takes only names and calls on names: no closures with captures, no aggregates, no coroutine lambdas with captures.
+namespace torvane {
+
+template <class T = void>
+class Task;
+
+namespace detail {
+
+struct TaskPromiseBase {
+    std::coroutine_handle<> continuation;
+    std::exception_ptr error;
+
+    struct FinalAwaiter {
+        bool await_ready() const noexcept { return false; }
+
+        template <class Promise>
+        std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> finished) const noexcept {
+            const std::coroutine_handle<> next = finished.promise().continuation;
+            return next ? next : std::noop_coroutine();
+        }
+
+        void await_resume() const noexcept {}
+    };
+
+    std::suspend_always initial_suspend() const noexcept { return {}; }
+
+    FinalAwaiter final_suspend() const noexcept { return {}; }
+
+    void unhandled_exception() noexcept { error = std::current_exception(); }
+
+    void rethrow() const {
+        if (error)
+            std::rethrow_exception(error);
+    }
+};
+
+template <class T>
+struct TaskPromise : TaskPromiseBase {
+    std::optional<T> value;
+
+    Task<T> get_return_object() noexcept;
+
+    void return_value(T result) { value.emplace(std::move(result)); }
+
+    T take() {
+        rethrow();
+        return std::move(*value);
+    }
+};
+
+template <>
+struct TaskPromise<void> : TaskPromiseBase {
+    Task<void> get_return_object() noexcept;
+
+    void return_void() const noexcept {}
+
+    void take() const { rethrow(); }
+};
+
+} // namespace detail
+
+/// An asynchronous operation that owns its coroutine frame. It starts when it is awaited or started; destroying it
+/// earlier destroys the frame and with it whatever the frame awaits: that is how an operation is cancelled.
+/// An error thrown inside arrives, as it was thrown, where the task is awaited.
+template <class T>
+class [[nodiscard]] Task final {
+public:
+    using promise_type = detail::TaskPromise<T>;
+    using Handle = std::coroutine_handle<promise_type>;
+
+    explicit Task(Handle frame) noexcept
+        : m_frame(frame) {}
+
+    Task(Task&& other) noexcept
+        : m_frame(std::exchange(other.m_frame, nullptr)) {}
+
+    Task& operator=(Task&& other) noexcept {
+        std::swap(m_frame, other.m_frame);
+        return *this;
+    }
+
+    ~Task() {
+        if (m_frame)
+            m_frame.destroy();
+    }
+
+    void start() const { m_frame.resume(); }
+
+    bool isDone() const noexcept { return m_frame.done(); }
+
+    /// The outcome of a task that is done; throws what the task threw.
+    T result() const { return m_frame.promise().take(); }
+
+    auto operator co_await() const noexcept {
+        struct Awaiter {
+            Handle frame;
+
+            bool await_ready() const noexcept { return false; }
+
+            std::coroutine_handle<> await_suspend(std::coroutine_handle<> awaiting) const noexcept {
+                frame.promise().continuation = awaiting;
+                return frame;
+            }
+
+            T await_resume() const { return frame.promise().take(); }
+        };
+        return Awaiter{m_frame};
+    }
+
+private:
+    Handle m_frame;
+};
+
+template <class T>
+Task<T> detail::TaskPromise<T>::get_return_object() noexcept {
+    return Task<T>(std::coroutine_handle<TaskPromise>::from_promise(*this));
+}
+
+inline Task<void> detail::TaskPromise<void>::get_return_object() noexcept {
+    return Task<void>(std::coroutine_handle<TaskPromise>::from_promise(*this));
+}
+
+/// Runs tasks on behalf of its owner: destroying the scope cancels those that have not ended.
+/// A task in a scope has nobody to throw to: it deals with its own failures.
+class TaskScope final {
+public:
+    void run(Task<void> task) {
+        std::erase_if(m_tasks, [](const Task<void>& earlier) { return earlier.isDone(); });
+        m_tasks.push_back(std::move(task));
+        m_tasks.back().start();
+    }
+
+private:
+    std::vector<Task<void>> m_tasks;
+};
+
+namespace detail {
+
+template <class T>
+struct DetachedState {
+    std::coroutine_handle<> awaiting; // Null once the awaiting frame is gone.
+    std::optional<T> value;
+    std::exception_ptr error;
+};
+
+} // namespace detail
+
+/// Runs a function on the worker thread and resumes on the main thread with its result, or throws what it threw.
+/// Use as `const auto work = [copies] {...}; const T result = co_await detached(work);` — the function must own
+/// copies of all it reads, since the awaiting side may be gone before it ends.
+template <class Function>
+auto detached(const Function& function) {
+    using T = std::decay_t<std::invoke_result_t<const Function&>>;
+    using State = detail::DetachedState<T>;
+
+    class Awaiter {
+    public:
+        explicit Awaiter(Function work)
+            : m_work(std::move(work)) {}
+
+        Awaiter(const Awaiter&) = delete;
+        Awaiter& operator=(const Awaiter&) = delete;
+
+        ~Awaiter() { m_state->awaiting = nullptr; }
+
+        bool await_ready() const noexcept { return false; }
+
+        void await_suspend(std::coroutine_handle<> awaiting) {
+            m_state->awaiting = awaiting;
+            worker().start([state = m_state, work = std::move(m_work)] {
+                try {
+                    state->value.emplace(work());
+                } catch (...) {
+                    state->error = std::current_exception();
+                }
+                // Queued: the frame resumes from the main loop, and a frame that is gone is not touched.
+                QMetaObject::invokeMethod(
+                    QCoreApplication::instance(),
+                    [state] {
+                        if (state->awaiting)
+                            state->awaiting.resume();
+                    },
+                    Qt::QueuedConnection);
+            });
+        }
+
+        T await_resume() const {
+            if (m_state->error)
+                std::rethrow_exception(m_state->error);
+            return std::move(*m_state->value);
+        }
+
+    private:
+        Function m_work;
+        std::shared_ptr<State> m_state = std::make_shared<State>();
+    };
+
+    return Awaiter(function);
+}
+
+} // namespace torvane

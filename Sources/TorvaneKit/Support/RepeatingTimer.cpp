@@ -1,0 +1,41 @@
+#include "Support/RepeatingTimer.h"
+
+#include <chrono>
+#include <limits>
+
+namespace torvane {
+
+namespace {
+
+constexpr double shortestMs = 1;
+constexpr double longestMs = std::numeric_limits<int>::max();
+
+std::chrono::milliseconds timerInterval(double seconds) {
+    const double ms = seconds * 1000;
+    if (!(ms > shortestMs)) // NaN too
+        return std::chrono::milliseconds(1);
+    return std::chrono::milliseconds(ms < longestMs ? static_cast<int>(ms) : std::numeric_limits<int>::max());
+}
+
+/// A coarse timer moves by at most 5 % of its interval, a very coarse one to whole seconds: the widest that stays within
+/// the tolerance is taken.
+Qt::TimerType timerType(double interval, double tolerance) {
+    if (tolerance >= 1 && interval >= 20)
+        return Qt::VeryCoarseTimer;
+    return tolerance >= interval * 0.05 ? Qt::CoarseTimer : Qt::PreciseTimer;
+}
+
+} // namespace
+
+RepeatingTimer::RepeatingTimer(double interval, double tolerance, std::function<void()> action) {
+    m_timer.setInterval(timerInterval(interval));
+    m_timer.setTimerType(timerType(interval, tolerance));
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(action));
+    m_timer.start();
+}
+
+double RepeatingTimer::interval() const {
+    return m_timer.interval() / 1000.0;
+}
+
+} // namespace torvane

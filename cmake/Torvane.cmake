@@ -1,0 +1,25 @@
+# What all our targets share: warnings as errors, sanitizers, and moc.
+
+add_library(TorvaneOptions INTERFACE)
+target_compile_features(TorvaneOptions INTERFACE cxx_std_20)
+target_compile_options(TorvaneOptions INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+target_compile_definitions(TorvaneOptions INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH)
+if(TORVANE_SANITIZE)
+    target_compile_options(TorvaneOptions INTERFACE -fsanitize=${TORVANE_SANITIZE} -fno-omit-frame-pointer)
+    target_link_options(TorvaneOptions INTERFACE -fsanitize=${TORVANE_SANITIZE})
+    if(TORVANE_SANITIZE MATCHES "undefined")
+        # A finding ends the program: a test that only prints it would pass.
+        target_compile_options(TorvaneOptions INTERFACE -fno-sanitize-recover=all)
+    endif()
+endif()
+
+# torvane_library(NAME FOLDER...): one static library of all the sources in this folder. Files are found, not listed:
+# a new unit is a new file. Include paths start at the kit's root, so that every #include names its layer.
+function(torvane_library name)
+    cmake_parse_arguments(arg "" "FOLDER" "LINK" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${arg_FOLDER}/*.cpp" "${arg_FOLDER}/*.h")
+    add_library(${name} STATIC ${sources})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON LINKER_LANGUAGE CXX POSITION_INDEPENDENT_CODE ON)
+    target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_link_libraries(${name} PUBLIC TorvaneOptions ${arg_LINK})
+endfunction()
