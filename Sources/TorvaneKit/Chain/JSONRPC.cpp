@@ -14,7 +14,7 @@ HexQuantity HexQuantity::fromText(const QString& text) {
         if (error == std::errc() && end == digits.cend())
             return quantity;
     }
-    throw DecodingError(QStringLiteral("Invalid hexadecimal quantity"));
+    throw DecodingError(DecodingError::Cause::corrupted, "Invalid hexadecimal quantity");
 }
 
 QString HexQuantity::toText() const {
