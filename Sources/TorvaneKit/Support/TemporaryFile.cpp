@@ -15,7 +15,7 @@ namespace {
 
 constexpr int nameAttempts = 16;
 constexpr int randomDigits = 16;
-constexpr QByteArrayView extension = ".tmp";
+constexpr char extension[] = ".tmp";
 
 QByteArray nameOf(const QByteArray& path) {
     return path.sliced(path.lastIndexOf('/') + 1);
@@ -104,8 +104,8 @@ void TemporaryFile::removeLeftOvers(const QByteArray& destination) {
         return;
     while (const dirent* entry = ::readdir(entries.get())) {
         const QByteArray name(entry->d_name);
-        if (name.size() == prefix.size() + randomDigits + extension.size() && name.startsWith(prefix) &&
-            name.endsWith(extension))
+        const bool hasItsLength = name.size() == prefix.size() + randomDigits + qsizetype(sizeof extension) - 1;
+        if (hasItsLength && name.startsWith(prefix) && name.endsWith(extension))
             removeIfLeftOver(directory + '/' + name);
     }
 }
