@@ -27,15 +27,16 @@ Qt::TimerType timerType(double interval, double tolerance) {
 
 } // namespace
 
-RepeatingTimer::RepeatingTimer(double interval, double tolerance, std::function<void()> action) {
-    m_timer.setInterval(timerInterval(interval));
-    m_timer.setTimerType(timerType(interval, tolerance));
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(action));
-    m_timer.start();
+RepeatingTimer::RepeatingTimer(QObject* owner, double interval, double tolerance, std::function<void()> action)
+    : m_timer(new QTimer(owner)) {
+    m_timer->setInterval(timerInterval(interval));
+    m_timer->setTimerType(timerType(interval, tolerance));
+    QObject::connect(m_timer, &QTimer::timeout, m_timer, std::move(action));
+    m_timer->start();
 }
 
-double RepeatingTimer::interval() const {
-    return m_timer.interval() / 1000.0;
+RepeatingTimer::~RepeatingTimer() {
+    delete m_timer;
 }
 
 } // namespace torvane
