@@ -1,3 +1,5 @@
+include_guard(GLOBAL)
+
 # The certificates of the tests' stand-in servers, made by openssl in the build tree: nothing secret is ever committed.
 # Targets that need them link TorvaneTestCertificates and read TORVANE_TEST_CERTIFICATES, the directory.
 find_program(OPENSSL_COMMAND openssl REQUIRED)

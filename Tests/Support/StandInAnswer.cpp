@@ -68,6 +68,10 @@ StandInAnswer StandInAnswer::raw(const QByteArray& bytes) {
     return answer;
 }
 
+StandInAnswer StandInAnswer::silent() {
+    return ok({}).cutShortInHead(0, Ending::silence);
+}
+
 StandInAnswer StandInAnswer::endlessBody() {
     StandInAnswer answer = ok({}).withoutLength();
     answer.ending = Ending::endlessFilling;

@@ -42,6 +42,9 @@ struct StandInAnswer final {
     /// Exactly these bytes, then silence.
     static StandInAnswer raw(const QByteArray& bytes);
 
+    /// Nothing, while the connection stays open.
+    static StandInAnswer silent();
+
     /// A good head, then a body without length or end.
     static StandInAnswer endlessBody();
 

@@ -146,6 +146,8 @@ void ResponseCache::remember(const RememberedAnswer& fresh) {
     if (earlier != m_answers.cend() && earlier->askedAt > fresh.askedAt && earlier->askedAt <= fresh.answeredAt)
         return; // Two requests overtook each other: the later question has the newer answer.
     forget(fresh.key);
+    if (fresh.answer.body.size() > m_mostBytes)
+        return; // It would drive out all others and not stay itself.
     m_answers.append(fresh);
     qsizetype bytes = 0;
     for (const RememberedAnswer& each : m_answers)
