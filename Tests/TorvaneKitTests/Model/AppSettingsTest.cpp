@@ -1,6 +1,7 @@
 #include "Model/AppSettings.h"
 
 #include "Model/Snapshot.h"
+#include "Support/TestFiles.h"
 #include "Support/Worker.h"
 
 #include <QTemporaryDir>
@@ -335,11 +336,7 @@ private Q_SLOTS:
 private:
     QString path() const { return m_directory->filePath(QStringLiteral("preferences.json")); }
 
-    void store(const QByteArray& text) const {
-        QFile file(path());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(text), text.size());
-    }
+    void store(const QByteArray& text) const { TestFiles::put(path(), text); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
 };

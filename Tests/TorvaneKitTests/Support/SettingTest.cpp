@@ -1,5 +1,6 @@
 #include "Support/Setting.h"
 
+#include "Support/TestFiles.h"
 #include "Support/Worker.h"
 
 #include <QTemporaryDir>
@@ -152,19 +153,12 @@ private Q_SLOTS:
 private:
     QString path() const { return m_directory->filePath(QStringLiteral("preferences.json")); }
 
-    void store(const QByteArray& text) const {
-        QFile file(path());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(text), text.size());
-    }
+    void store(const QByteArray& text) const { TestFiles::put(path(), text); }
 
     /// The file's content without blanks, which no value here has outside its strings.
     QByteArray stored() const {
         worker().waitForDone();
-        QFile file(path());
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return file.readAll().replace("\n", "").replace("  ", "").replace("\": ", "\":");
+        return TestFiles::contentOf(path()).replace("\n", "").replace("  ", "").replace("\": ", "\":");
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;
