@@ -17,8 +17,8 @@ namespace torvane::SafeFile {
 namespace {
 
 constexpr int mostLinks = 40; // As many as the kernel follows.
-constexpr int lockAttempts = 100;
-constexpr timespec lockPause{0, 10'000'000};
+constexpr int lockAttempts = 1000;
+constexpr timespec lockPause{0, 1'000'000}; // A millisecond: others hold the lock for one write.
 
 /// Follows the path's symbolic links to the name that is to be replaced, which need not exist. None for a path that
 /// cannot be followed.
