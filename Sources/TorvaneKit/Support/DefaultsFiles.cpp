@@ -1,6 +1,5 @@
 #include "Support/DefaultsFiles.h"
 
-#include "Support/SafeFile.h"
 #include "Support/Worker.h"
 
 namespace torvane {
@@ -86,16 +85,23 @@ bool DefaultsFiles::writePreferences(const Entries& changes, PreferencesDocument
     const SafeFile::EditLock lock(m_preferencesPath);
     const SafeFile::Contents file = SafeFile::read(m_preferencesPath, preferencesLimit);
     std::optional<PreferencesDocument> document = PreferencesDocument::fromBytes(file.bytes);
-    // An empty file holds nothing that would be worth keeping.
-    const bool isEmpty = file.state == SafeFile::State::read && file.bytes.isEmpty();
-    const bool isDamaged = file.state != SafeFile::State::missing && !isEmpty && !document;
-    if (isDamaged && !SafeFile::keepAside(m_preferencesPath, QStringLiteral(".damaged")))
+    if (!document && !mayBeReplaced(file))
         return false;
     if (!document)
         document = std::move(known);
     for (auto change = changes.begin(); change != changes.end(); ++change)
         document->assign(change.key(), change.value());
     return SafeFile::replace(m_preferencesPath, document->toBytes());
+}
+
+/// What is no document is kept aside first. A disk error may pass, and what is no file at all is not ours to touch:
+/// then the values wait in memory.
+bool DefaultsFiles::mayBeReplaced(const SafeFile::Contents& file) const {
+    using enum SafeFile::State;
+    const bool isEmpty = file.state == read && file.bytes.isEmpty(); // It holds nothing worth keeping.
+    if (file.state == missing || isEmpty)
+        return true;
+    return file.state != unreadable && SafeFile::keepAside(m_preferencesPath, QStringLiteral(".damaged"));
 }
 
 QString DefaultsFiles::dataPath(const QString& key) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Support/PreferencesDocument.h"
+#include "Support/SafeFile.h"
 
 #include <QMap>
 #include <QMutex>
@@ -35,6 +36,7 @@ private:
     void schedule();
     void writeAll();
     bool writePreferences(const Entries& changes, PreferencesDocument known) const;
+    bool mayBeReplaced(const SafeFile::Contents& file) const;
     QString dataPath(const QString& key) const;
 
     const QString m_preferencesPath;

@@ -1,6 +1,7 @@
 #include "Support/RepeatingTimer.h"
 
 #include <chrono>
+#include <cmath>
 #include <limits>
 
 namespace torvane {
@@ -14,7 +15,7 @@ std::chrono::milliseconds timerInterval(double seconds) {
     const double ms = seconds * 1000;
     if (!(ms > shortestMs)) // NaN too
         return std::chrono::milliseconds(1);
-    return std::chrono::milliseconds(ms < longestMs ? static_cast<int>(ms) : std::numeric_limits<int>::max());
+    return std::chrono::milliseconds(ms < longestMs ? std::lround(ms) : std::numeric_limits<int>::max());
 }
 
 /// A coarse timer moves by at most 5 % of its interval, a very coarse one to whole seconds: the widest that stays

@@ -17,8 +17,8 @@ namespace torvane::SafeFile {
 namespace {
 
 constexpr int mostLinks = 40; // As many as the kernel follows.
-constexpr int lockAttempts = 100;
-constexpr timespec lockPause{0, 10'000'000};
+constexpr int lockAttempts = 1000;
+constexpr timespec lockPause{0, 1'000'000}; // A millisecond: others hold the lock for one write.
 
 /// Follows the path's symbolic links to the name that is to be replaced, which need not exist. None for a path that
 /// cannot be followed.
@@ -57,6 +57,19 @@ bool makeDirectory(const QByteArray& directory) {
     return (::mkdir(directory, S_IRWXU) == 0 && syncDirectory(parent)) || errno == EEXIST;
 }
 
+State stateOfUnopened(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return State::missing;
+    case EACCES:
+    case EPERM:
+        return State::forbidden;
+    default:
+        return State::unreadable;
+    }
+}
+
 /// Reads up to one byte more than the limit, so that a file that grew meanwhile is noticed.
 Contents readAll(int file, qint64 size, qint64 limit) {
     QByteArray bytes(std::min(size, limit) + 1, Qt::Uninitialized);
@@ -84,7 +97,7 @@ Contents read(const QString& path, qint64 limit) {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const FileDescriptor file(uninterrupted([&] { return ::open(QFile::encodeName(path), flags); }));
     if (!file.isOpen())
-        return {errno == ENOENT || errno == ENOTDIR ? State::missing : State::unreadable, {}};
+        return {stateOfUnopened(errno), {}};
     struct stat status {};
     if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return {State::unreadable, {}};

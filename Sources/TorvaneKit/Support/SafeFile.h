@@ -13,7 +13,8 @@ namespace torvane::SafeFile {
 enum class State {
     read,
     missing,
-    unreadable, ///< not permitted, a disk error, or something else than a regular file
+    forbidden,
+    unreadable, ///< a disk error, or something else than a regular file
     tooLarge,
 };
 

@@ -13,8 +13,15 @@ QString below(const QString& directory, const QString& path) {
 }
 
 /// The text with U+FFFD in the place of lone surrogates, which no file can hold.
-QString unicode(const QString& text) {
-    return QString::fromUtf8(text.toUtf8());
+QString unicode(QString text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool isPair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (isPair)
+            ++i;
+        else if (text[i].isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
 }
 
 } // namespace
