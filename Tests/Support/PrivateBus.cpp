@@ -58,8 +58,7 @@ QDBusMessage answer(const QDBusConnection& caller, const QDBusMessage& call) {
     const QDBusPendingCallWatcher watcher(caller.asyncCall(call));
     QEventLoop loop;
     QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    if (!watcher.isFinished())
-        loop.exec();
+    loop.exec(); // Also for an answer that is there already: what came before it is still to be delivered.
     return watcher.reply();
 }
 

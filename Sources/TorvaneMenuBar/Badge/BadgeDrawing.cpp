@@ -16,8 +16,11 @@ namespace {
 constexpr int outlinePixels = 256;
 
 /// Parts of the square's side.
-constexpr double figureHeight = 0.40;
+constexpr double figureHeight = 0.405;
 constexpr double narrowestDigit = 0.17;
+/// No square holds more characters, and outlines of many take long.
+constexpr qsizetype mostCharacters = 8;
+
 /// In pixels.
 constexpr double leastDigitWidth = 4;
 constexpr double leastFigureHeight = 6;
@@ -40,7 +43,9 @@ Outline outline(const QString& figure, QFont font) {
     Outline result;
     for (char16_t digit = u'0'; digit <= u'9'; ++digit)
         result.digitWidth = std::max(result.digitWidth, metrics.horizontalAdvance(QChar(digit)));
-    result.digitHeight = metrics.tightBoundingRect(u"7"_s).height();
+    QPainterPath seven; // Flat above and below, unlike the round digits.
+    seven.addText(0, 0, font, u"7"_s);
+    result.digitHeight = seven.boundingRect().height();
     double x = 0;
     for (const QChar character : figure) {
         const double advance = metrics.horizontalAdvance(character);
@@ -51,9 +56,9 @@ Outline outline(const QString& figure, QFont font) {
     return result;
 }
 
-/// What is kept free on each side.
+/// What is kept free on each side and between mark and figure: whole pixels, and those of 22 at its multiples.
 int margin(int size) {
-    return std::max(1, size / 16);
+    return std::max(1, static_cast<int>(std::round(size / 22.0)));
 }
 
 double heightOfFigure(int size) {
@@ -62,6 +67,9 @@ double heightOfFigure(int size) {
 
 /// The outline moved to its place and squeezed to the width, standing on whole pixels; empty when it cannot be read.
 QPainterPath placedFigure(const QString& figure, const QFont& font, int size) {
+    const bool drawable = std::all_of(figure.cbegin(), figure.cend(), [](QChar each) { return each.isPrint(); });
+    if (!drawable || figure.size() > mostCharacters)
+        return {};
     const Outline drawn = outline(figure, font);
     const QRectF bounds = drawn.path.boundingRect();
     if (bounds.width() <= 0 || drawn.digitHeight <= 0)
@@ -108,7 +116,7 @@ BadgeLayout badgeLayout(const QString& figure, const QFont& font, int size) {
     const int free = margin(size);
     const bool alone = layout.figure.isEmpty();
     const double top = alone ? 2 * free : free;
-    const double bottom = alone ? size - 2 * free : size - free - heightOfFigure(size) - std::max(1, size / 24);
+    const double bottom = size - 2 * free - (alone ? 0 : heightOfFigure(size));
     const double height = bottom - top;
     const double width = height * 0.64;
     layout.mark = QRectF((size - width) / 2, top, width, height);

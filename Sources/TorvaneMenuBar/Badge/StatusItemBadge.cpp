@@ -13,7 +13,8 @@ namespace torvane {
 namespace {
 
 /// Icon sizes of the panels in use, in pixels. Each is drawn at its own size: a scaled figure is a blurred one.
-constexpr std::array iconSizes{16, 22, 24, 32, 48, 64};
+/// But xfce's panel scales the largest to its usual 22: three times that keeps the edges on pixels.
+constexpr std::array iconSizes{16, 22, 24, 32, 48, 64, 66};
 
 enum MenuId { refreshId = 1, separatorId, quitId };
 
