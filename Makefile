@@ -12,7 +12,7 @@ MAKEFLAGS += --no-print-directory
 
 help: ## show this list
 	@echo "make GOAL, where GOAL is one of"
-	@sed -n 's/^\([a-z]*\):.*## \(.*\)/    \1 \2/p' $(MAKEFILE_LIST) | while read -r goal what; do printf '  %-8s%s\n' "$$goal" "$$what"; done
+	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-8s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 	@echo "CMAKE_FLAGS=... reaches CMake; INSTALL_DEPENDENCIES=: installs nothing."
 
 run: ## build velisk and start it

@@ -135,4 +135,17 @@ aFileOfAnotherLayoutIsFound() {
     expect_output ''
 }
 
+anotherVersionOfTheFormatterNeitherComplainsNorRewrites() {
+    mkdir -p copy/Sources bin
+    printf 'int   x;\n' >copy/Sources/Bad.cpp
+    write_program bin/clang-format-14 <<<$'#!/bin/sh\necho clang-format version 19.1.7'
+    export PATH=$PWD/bin:$PATH
+    run "$tree/scripts/check-format" copy
+    expect_status 0
+    expect_output_has 'here is clang-format version 19.1.7'
+    run "$tree/scripts/check-format" --fix copy
+    expect_status 1
+    [ "$(cat copy/Sources/Bad.cpp)" = 'int   x;' ] || fail "it was rewritten"
+}
+
 run_checks

@@ -24,12 +24,27 @@ PROGRAM
     export TORVANE_DEMO_STAND_IN=$PWD/stand-in TORVANE_DEMO_PROGRAM=$PWD/velisk TORVANE_DEMO_HOME=$PWD/home
     export DISPLAY=:99 PATH=$PWD/bin:$PATH
     unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+    trap end_leftovers EXIT
+}
+
+# A check that fails must not leave its programs running.
+# shellcheck disable=SC2317 # Reached through the trap.
+end_leftovers() {
+    local file
+    for file in *.id; do
+        has_ended "$(cat "$file")" || kill -KILL "$(cat "$file")"
+    done
 }
 
 start_demo() {
-    "$tree/scripts/demo" >demo.output 2>&1 &
+    "$@" "$tree/scripts/demo" >demo.output 2>&1 &
     demo=$!
-    wait_for test -s velisk.id
+    wait_for velisk_started_or_demo_ended
+    [ -s velisk.id ] || fail "the demo ended before it started velisk: $(cat demo.output)"
+}
+
+velisk_started_or_demo_ended() {
+    [ -s velisk.id ] || has_ended "$demo"
 }
 
 has_ended() {
@@ -143,9 +158,7 @@ termEndsBoth() {
 ctrlCEndsBoth() {
     demo_programs
     # A shell starts its background jobs with SIGINT ignored, unlike a terminal; env puts the default back.
-    env --default-signal=INT "$tree/scripts/demo" >demo.output 2>&1 &
-    demo=$!
-    wait_for test -s velisk.id
+    start_demo env --default-signal=INT
     kill -INT "$demo"
     end_of_demo
     expect_status 130

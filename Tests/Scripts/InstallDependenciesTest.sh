@@ -54,6 +54,13 @@ exec "$@"
 PROGRAM
 }
 
+with_systemd() {
+    write_program bin/systemctl <<'PROGRAM'
+#!/bin/bash
+echo "systemctl $*" >>calls
+PROGRAM
+}
+
 install_dependencies() {
     PATH=$PWD/bin run "$tree/scripts/install-dependencies" "$@"
     echo "-- calls:"
@@ -182,6 +189,35 @@ severalGroupsAreInstalledAtOnce() {
     install_dependencies test fuzz
     expect_status 0
     grep -q ' xvfb clang$' calls || fail "both are to be installed in one call"
+}
+
+theServiceOfAnNginxThatWeInstallIsTurnedOff() {
+    machine 1000
+    with_sudo
+    with_systemd
+    everything_installed_but nginx-light
+    install_dependencies bench
+    expect_status 0
+    [ "$(tail -n 1 calls)" = 'systemctl disable --now nginx.service' ] || fail "nginx is left to serve port 80"
+}
+
+theServiceOfAnNginxThatWasHereIsLeftAlone() {
+    machine 0
+    with_systemd
+    everything_installed_but nginx-light
+    echo nginx-common >>installed
+    install_dependencies bench
+    expect_status 0
+    ! grep -q systemctl calls || fail "somebody's web server was turned off"
+}
+
+noServiceIsTouchedWithoutNginx() {
+    machine 0
+    with_systemd
+    everything_installed_but xvfb
+    install_dependencies test
+    expect_status 0
+    ! grep -q systemctl calls || fail "a service was touched"
 }
 
 noPackageIsNamedTwice() {
