@@ -44,30 +44,30 @@ private Q_SLOTS:
         QFETCH(double, asked);
         QFETCH(double, held);
         for (const double tolerance : {0.0, asked / 10, infinity, notANumber}) {
-            const RepeatingTimer timer(asked, tolerance, [] {});
-            QCOMPARE(timer.interval(), held);
+            const RepeatingTimer timer(this, asked, tolerance, [] {});
+            QCOMPARE(findChild<QTimer*>()->interval() / 1000.0, held);
         }
     }
 
     void itFiresAgainAndAgainAndNotAtOnce() {
         int fired = 0;
-        const RepeatingTimer timer(0.002, 0, [&] { ++fired; });
+        const RepeatingTimer timer(this, 0.002, 0, [&] { ++fired; });
         QCOMPARE(fired, 0);
         QTRY_VERIFY_WITH_TIMEOUT(fired >= 3, 30'000);
     }
 
     void anIntervalThatIsClampedToTheShortestFires() {
         int fired = 0;
-        const RepeatingTimer timer(notANumber, notANumber, [&] { ++fired; });
+        const RepeatingTimer timer(this, notANumber, notANumber, [&] { ++fired; });
         QTRY_VERIFY_WITH_TIMEOUT(fired >= 2, 30'000);
     }
 
     void anIntervalThatIsClampedToTheLongestDoesNotFireSoon() {
         int fired = 0;
         int others = 0;
-        const RepeatingTimer never(infinity, infinity, [&] { ++fired; });
-        const RepeatingTimer coarse(longest, longest / 10, [&] { ++fired; });
-        const RepeatingTimer other(0.001, 0, [&] { ++others; });
+        const RepeatingTimer never(this, infinity, infinity, [&] { ++fired; });
+        const RepeatingTimer coarse(this, longest, longest / 10, [&] { ++fired; });
+        const RepeatingTimer other(this, 0.001, 0, [&] { ++others; });
         QTRY_VERIFY_WITH_TIMEOUT(others >= 10, 30'000);
         QCOMPARE(fired, 0);
     }
@@ -75,11 +75,24 @@ private Q_SLOTS:
     void destroyingItStopsIt() {
         int fired = 0;
         int others = 0;
-        auto timer = std::make_unique<RepeatingTimer>(0.001, 0, [&] { ++fired; });
+        auto timer = std::make_unique<RepeatingTimer>(this, 0.001, 0, [&] { ++fired; });
         QTRY_VERIFY_WITH_TIMEOUT(fired > 0, 30'000);
         timer.reset();
         const int before = fired;
-        const RepeatingTimer other(0.001, 0, [&] { ++others; });
+        const RepeatingTimer other(this, 0.001, 0, [&] { ++others; });
+        QTRY_VERIFY_WITH_TIMEOUT(others >= 10, 30'000);
+        QCOMPARE(fired, before);
+    }
+
+    void destroyingItsOwnerStopsIt() {
+        auto owner = std::make_unique<QObject>();
+        int fired = 0;
+        int others = 0;
+        const RepeatingTimer timer(owner.get(), 0.001, 0, [&] { ++fired; });
+        QTRY_VERIFY_WITH_TIMEOUT(fired > 0, 30'000);
+        owner.reset();
+        const int before = fired;
+        const RepeatingTimer other(this, 0.001, 0, [&] { ++others; });
         QTRY_VERIFY_WITH_TIMEOUT(others >= 10, 30'000);
         QCOMPARE(fired, before);
     }
@@ -88,7 +101,7 @@ private Q_SLOTS:
         std::unique_ptr<RepeatingTimer> timer;
         const auto token = std::make_shared<int>(7);
         int read = 0;
-        timer = std::make_unique<RepeatingTimer>(0.001, 0, [&, token] {
+        timer = std::make_unique<RepeatingTimer>(this, 0.001, 0, [&, token] {
             timer.reset();
             read = *token; // What the action holds lives until it returns.
         });
@@ -100,7 +113,7 @@ private Q_SLOTS:
         std::unique_ptr<RepeatingTimer> timer;
         int second = 0;
         timer = std::make_unique<RepeatingTimer>(
-            0.001, 0, [&] { timer = std::make_unique<RepeatingTimer>(0.002, 0, [&] { ++second; }); });
+            this, 0.001, 0, [&] { timer = std::make_unique<RepeatingTimer>(this, 0.002, 0, [&] { ++second; }); });
         QTRY_VERIFY_WITH_TIMEOUT(second >= 2, 30'000);
     }
 };
