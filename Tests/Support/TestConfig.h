@@ -2,7 +2,8 @@
 
 #include <QString>
 
-/// The tests' Config: the same functions, with addresses that a fixture sets at run time, since servers listen on port 0.
+/// The tests' Config: the same functions, with addresses that a fixture sets at run time, since servers listen on port
+/// 0.
 namespace torvane::TestConfig {
 
 /// Sets snapshotURL and appcastURL to this host[:port].

@@ -1,0 +1,118 @@
+#include "Chain/NetworkClient.h"
+
+#include "Chain/CurlSession.h"
+#include "Chain/NetworkLimits.h"
+#include "Chain/RequestLog.h"
+#include "Chain/ResponseCache.h"
+#include "Chain/Transfer.h"
+#include "Model/Config.h"
+#include "Support/Clock.h"
+#include "Support/NextTurn.h"
+
+#include <optional>
+
+namespace torvane {
+
+namespace {
+
+ResponseCache& cache() {
+    static ResponseCache answers(NetworkLimits::mostAnswers, NetworkLimits::mostAnswerBytes);
+    return answers;
+}
+
+Hop firstHop(const Request& request) {
+    HeaderFields headers = request.headers;
+    headers.removeIf([](const std::pair<QByteArray, QByteArray>& field) {
+        return field.first.compare("User-Agent", Qt::CaseInsensitive) == 0;
+    });
+    headers.emplaceBack("User-Agent", "torvane/" + Config::currentVersion().toLatin1() + " (macOS)");
+    return {.url = request.url,
+            .method = request.method.isEmpty() ? QByteArray("GET") : request.method,
+            .body = request.body,
+            .headers = headers,
+            .idleLimit = request.timeout,
+            .deadline = QDeadlineTimer(NetworkLimits::totalDeadline),
+            .bodyLimit = request.bodyLimit};
+}
+
+void requireSendable(const Hop& hop) {
+    using enum TransportFailure::Cause;
+    if (!hop.url.isValid() || !isSendable(hop.method, hop.headers))
+        throw TransportFailure(invalidRequest, "not a request that can be sent");
+    if (hop.url.scheme() != QLatin1String("https") || hop.url.host().isEmpty())
+        throw TransportFailure(notSecure, "not an https address");
+}
+
+/// The hop as it is sent: with the question whether the remembered answer still holds.
+Hop conditional(const Hop& hop, const std::optional<RememberedAnswer>& remembered, CachePolicy policy) {
+    Hop asked = hop;
+    if (remembered)
+        asked.headers.append(conditions(*remembered));
+    if (policy == CachePolicy::revalidate)
+        asked.headers.emplaceBack("Cache-Control", "no-cache"); // For the caches on the way (RFC 9111, 5.2.1.4).
+    return asked;
+}
+
+Task<Answer> transferred(const Hop& hop) {
+    Transfer transfer(hop);
+    Answer answer = co_await transfer;
+    if (hop.method != "GET" && hop.method != "HEAD" && answer.status >= 200 && answer.status < 400)
+        cache().invalidate(hop.url);
+    co_return answer;
+}
+
+/// One server's answer, from memory where the protocol allows it.
+Task<Answer> ask(const Hop& hop, CachePolicy policy) {
+    requireSendable(hop);
+    if (!isCacheable(hop)) {
+        Task<Answer> uncached = transferred(hop);
+        Answer answer = co_await uncached;
+        co_return answer;
+    }
+    const std::optional<RememberedAnswer> remembered = cache().find(hop);
+    const QDateTime askedAt = Clock::now();
+    if (remembered && policy == CachePolicy::useProtocol && isFresh(*remembered, askedAt)) {
+        NextTurn turn; // Whoever awaits must not find out by the order of events that nothing was sent.
+        co_await turn;
+        co_return remembered->answer;
+    }
+    const Hop asked = conditional(hop, remembered, policy);
+    Task<Answer> exchange = transferred(asked);
+    const Answer answer = co_await exchange;
+    co_return cache().settle(hop, remembered, answer, askedAt, Clock::now());
+}
+
+/// Redirects are followed here and not by libcurl: each server is trusted, and each answer remembered, for itself.
+Task<Answer> askAlongRedirects(const Request& request) {
+    Hop hop = firstHop(request);
+    for (int redirects = 0;; ++redirects) {
+        Task<Answer> exchange = ask(hop, request.cachePolicy);
+        Answer answer = co_await exchange;
+        const QUrl target = redirectTarget(hop, answer);
+        if (target.isEmpty())
+            co_return answer;
+        if (redirects == NetworkLimits::mostRedirects)
+            throw TransportFailure(TransportFailure::Cause::tooManyRedirects, "redirected too often");
+        hop = redirected(hop, target);
+    }
+}
+
+} // namespace
+
+Task<QByteArray> NetworkClient::request(Request request) {
+    RequestLog log(request.method, request.url);
+    Task<Answer> exchange = askAlongRedirects(request);
+    const Answer answer = co_await exchange;
+    const bool isOk = answer.status >= 200 && answer.status <= 299;
+    log.write(answer.body.size(), isOk);
+    if (!isOk)
+        throw NetworkFailure::http(answer.status);
+    co_return answer.body;
+}
+
+void NetworkClient::dropPooledConnections() {
+    if (CurlSession* session = CurlSession::instance())
+        session->dropPooledConnections();
+}
+
+} // namespace torvane

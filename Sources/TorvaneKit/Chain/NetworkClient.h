@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Chain/NetworkFailure.h"
+#include "Support/Async.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QUrl>
+
+#include <chrono>
+#include <utility>
+
+namespace torvane {
+
+/// How a GET deals with a remembered answer (RFC 9111).
+enum class CachePolicy {
+    useProtocol, // A fresh one is delivered without asking, a stale one after the server confirmed it.
+    revalidate,  // The server, and every cache on the way, is asked in any case.
+};
+
+/// Most bytes of an answer's body, decoded: far above what honest servers send, far below what hurts.
+inline constexpr qsizetype relayBodyLimit = qsizetype{16} * 1024 * 1024;
+inline constexpr qsizetype rpcBodyLimit = qsizetype{4} * 1024 * 1024;
+
+/// A request as its caller builds it.
+struct Request final {
+    QUrl url;                                           // https only
+    QByteArray method{};                                // empty: GET
+    QByteArray body{};                                  // what is sent
+    QList<std::pair<QByteArray, QByteArray>> headers{}; // "User-Agent" is replaced
+    std::chrono::milliseconds timeout{60000};           // the longest time in which nothing arrives
+    qsizetype bodyLimit = relayBodyLimit;               // most bytes of the answer's body, decoded
+    CachePolicy cachePolicy = CachePolicy::useProtocol;
+};
+
+/// The one doorway to HTTPS: HTTP/1.1, connections and TLS sessions kept for reuse, gzip, driven by the main loop.
+/// Main thread only.
+namespace NetworkClient {
+
+/// Yields the body of a 2xx answer. Throws NetworkFailure for any other answer, TransportFailure where there is none.
+/// Destroying the task cancels the request. The redirects of a GET are followed, to https alone; those of other methods
+/// are the failure that their status code says. No request lasts longer than a minute. Writes one line to the log.
+Task<QByteArray> request(Request request);
+
+/// The next requests make connections of their own: for whoever learns that the network changed or the machine slept.
+/// After a time-out this is done without being asked.
+void dropPooledConnections();
+
+} // namespace NetworkClient
+
+} // namespace torvane

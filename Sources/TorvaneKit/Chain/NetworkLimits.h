@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <chrono>
+
+/// Limits that no caller chooses. The deadline is a variable for the sake of tests alone.
+namespace torvane::NetworkLimits {
+
+/// From the start of a request to its last byte, redirects included: a body that drips would otherwise never end.
+inline std::chrono::milliseconds totalDeadline{60000};
+
+inline constexpr int mostRedirects = 10;
+
+/// What is remembered of earlier answers.
+inline constexpr qsizetype mostAnswers = 8;
+inline constexpr qsizetype mostAnswerBytes = qsizetype{16} * 1024 * 1024;
+
+} // namespace torvane::NetworkLimits
