@@ -14,9 +14,7 @@ struct FeeHistoryParams {
     quint64 blockCount;
     QList<double> rewardPercentiles;
 
-    auto elements() const {
-        return std::tuple{HexQuantity{blockCount}, QStringLiteral("latest"), rewardPercentiles};
-    }
+    auto elements() const { return std::tuple{HexQuantity{blockCount}, QStringLiteral("latest"), rewardPercentiles}; }
 };
 
 /// The answer of eth_feeHistory: prices in wei, one base fee more than blocks (the forecast for the next), one row of

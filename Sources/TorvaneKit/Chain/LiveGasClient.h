@@ -24,8 +24,8 @@ private:
     Case m_case;
 };
 
-/// Asks public nodes for live figures. Endpoints are tried in order, each once, and each call starts again at the first;
-/// when all fail, the last one's error is thrown as it came.
+/// Asks public nodes for live figures. Endpoints are tried in order, each once, and each call starts again at the
+/// first; when all fail, the last one's error is thrown as it came.
 struct LiveGasClient {
     /// What gas on Ethereum costs, by eth_feeHistory from the configured endpoints.
     Task<LiveGasQuote> ethereum() const;

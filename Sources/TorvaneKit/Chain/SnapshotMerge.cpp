@@ -36,8 +36,8 @@ Snapshot mergeSnapshot(const Snapshot& relay, const std::optional<LiveGasQuote>&
     if (l2.isEmpty())
         return result; // The list stays shared with the relay's.
     for (L2Entry& entry : result.l2) {
-        const auto quote = std::find_if(l2.cbegin(), l2.cend(),
-                                        [&entry](const LiveL2Quote& each) { return each.name == entry.name; });
+        const auto quote =
+            std::find_if(l2.cbegin(), l2.cend(), [&entry](const LiveL2Quote& each) { return each.name == entry.name; });
         if (quote != l2.cend())
             entry.costGwei = quote->gasPriceGwei;
     }
