@@ -137,6 +137,58 @@ inline Task<void> detail::TaskPromise<void>::get_return_object() noexcept {
     return Task<void>(std::coroutine_handle<TaskPromise>::from_promise(*this));
 }
 
+namespace detail {
+
+/// Where two tasks and whoever awaits them meet: the last task to arrive resumes that one.
+struct Meeting {
+    int missing = 2;
+    std::coroutine_handle<> awaiting; // Null until somebody waits.
+
+    bool await_ready() const noexcept { return missing == 0; }
+
+    void await_suspend(std::coroutine_handle<> frame) noexcept { awaiting = frame; }
+
+    void await_resume() const noexcept {}
+};
+
+/// Awaited by a task at its end. It is never resumed from there: its frame waits to be destroyed.
+struct Arrival {
+    Meeting* meeting;
+
+    bool await_ready() const noexcept { return false; }
+
+    std::coroutine_handle<> await_suspend(std::coroutine_handle<>) const noexcept {
+        const bool isLast = --meeting->missing == 0;
+        return isLast && meeting->awaiting ? meeting->awaiting : std::noop_coroutine();
+    }
+
+    void await_resume() const noexcept {}
+};
+
+inline Task<> arriveAfter(const Task<>& task, Meeting& meeting) {
+    try {
+        co_await task;
+    } catch (...) {
+        // The task keeps its error, and throws it where its result is asked for.
+    }
+    const Arrival arrival{&meeting};
+    co_await arrival;
+}
+
+} // namespace detail
+
+/// Runs two tasks side by side and ends when both have ended. Throws what the first of them threw, else the second.
+inline Task<> whenBoth(Task<> first, Task<> second) {
+    detail::Meeting meeting;
+    const Task<> one = detail::arriveAfter(first, meeting);
+    const Task<> other = detail::arriveAfter(second, meeting);
+    one.start();
+    other.start();
+    co_await meeting;
+    first.result();
+    second.result();
+}
+
 /// Runs tasks on behalf of its owner: destroying the scope cancels those that have not ended.
 /// A task in a scope has nobody to throw to: it deals with its own failures.
 class TaskScope final {
