@@ -22,6 +22,12 @@ relay_order() {
         rig_fail "the relay does not take the order '$1'"
 }
 
+# The relay listens anew once the order is answered.
+relay_show_certificate() {
+    relay_order "certificate $1"
+    rig_wait "the certificate $1" rig_not curl --silent --cacert "$anchor" "https://localhost:$port/control"
+}
+
 tool_tip_is() {
     item_property "$(find_item)" ToolTip | grep -qF "'Ethereum', '$1'"
 }
@@ -65,15 +71,23 @@ keep "$RIG/now.png" second.png
 cp "$RIG/now.png" "$RIG/second.png"
 rig_pass "the panel follows the relay's document"
 
-for order in "answer status 503" "answer garbage" "answer truncate" "answer redirect http://localhost:$port/" \
-    "certificate otherhost" "certificate expired" "certificate stranger"; do
-    relay_order "baseFee 99"
-    relay_order "$order"
+figure_stays() {
     refresh
-    tool_tip_is "Low: 7.5 gwei" || rig_fail "the figure changed after '$order'"
-    rig_pass "the last good figure stays after '$order'"
+    tool_tip_is "Low: 7.5 gwei" || rig_fail "the figure changed after '$1'"
+    rig_pass "the last good figure stays after '$1'"
+}
+
+relay_order "baseFee 99"
+for answer in "status 503" garbage truncate "redirect http://localhost:$port/"; do
+    relay_order "answer $answer"
+    figure_stays "$answer"
+done
+for certificate in otherhost expired stranger; do
     relay_stop
     relay_start
+    relay_order "baseFee 99"
+    relay_show_certificate "$certificate"
+    figure_stays "certificate $certificate"
 done
 panel_equals "$RIG/second.png" || rig_fail "the badge was drawn anew"
 
