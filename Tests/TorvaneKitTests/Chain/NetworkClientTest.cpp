@@ -5,6 +5,7 @@
 #include "Support/TestConfig.h"
 #include "TorvaneKitTests/Chain/Fetch.h"
 
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSignalSpy>
 
@@ -59,6 +60,7 @@ class NetworkClientTest final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
+        qunsetenv("https_proxy");
         TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
         m_server.on("/", StandInAnswer::ok("hello"));
         m_server.on("/long", StandInAnswer::ok(QByteArray(300000, 'x')));
@@ -204,6 +206,41 @@ private Q_SLOTS:
         answer = isGzipped ? answer.gzipped() : answer;
         m_server.on("/encoded", isChunked ? answer.chunked() : answer);
         QCOMPARE(Fetch::outcomeOf(url("/encoded")), QLatin1Char('"') + QString::fromLatin1(body) + QLatin1Char('"'));
+    }
+
+    void onlyHTTP11IsSpoken() {
+        QCOMPARE(Fetch::outcomeOf(url("/")), QStringLiteral("\"hello\""));
+        QCOMPARE(m_server.requests().first().protocol, QByteArray("http/1.1"));
+    }
+
+    void thisMachineIsReachedWithoutAProxy() {
+        qputenv("https_proxy", "http://127.0.0.1:1");
+        const QString outcome = Fetch::outcomeOf(url("/"));
+        qunsetenv("https_proxy");
+        QCOMPARE(outcome, QStringLiteral("\"hello\""));
+    }
+
+    void aReconnectionResumesTheTLSSession() {
+        QProcess server;
+        server.start(QStringLiteral("openssl"),
+                     {QStringLiteral("s_server"), QStringLiteral("-accept"), QStringLiteral("127.0.0.1:0"),
+                      QStringLiteral("-cert"), StandInServer::certificatePath("localhost"), QStringLiteral("-key"),
+                      StandInServer::certificatePath("localhost").replace(QLatin1String(".pem"), QLatin1String(".key")),
+                      QStringLiteral("-www")});
+        static const QRegularExpression accepting(QStringLiteral("ACCEPT 127\\.0\\.0\\.1:(\\d+)"));
+        QString said;
+        const auto hasStarted = [&] {
+            said += QString::fromLatin1(server.readAllStandardOutput());
+            return accepting.match(said).hasMatch();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(hasStarted(), 30000);
+        // Its page says how the connection came about; it closes after each.
+        const QUrl page(QStringLiteral("https://localhost:%1/").arg(accepting.match(said).captured(1)));
+        QVERIFY(Fetch::outcomeOf(page).contains(QStringLiteral("New, TLSv1.3")));
+        NetworkClient::dropPooledConnections(); // A session outlives the pool.
+        QVERIFY(Fetch::outcomeOf(page).contains(QStringLiteral("Reused, TLSv1.3")));
+        server.kill();
+        QVERIFY(server.waitForFinished());
     }
 
     void requestsShareOneConnection() {

@@ -19,7 +19,7 @@ const QByteArray plenty = QByteArray("0123456789").repeated(20000);
 
 /// More than the limit once it is decoded, far less on the wire.
 StandInAnswer bomb() {
-    return StandInAnswer::ok(QByteArray(qsizetype{64} * 1024 * 1024, '\0')).gzipped();
+    return StandInAnswer::ok(QByteArray(qsizetype{16} * 1024 * 1024, '\0')).gzipped();
 }
 
 } // namespace
