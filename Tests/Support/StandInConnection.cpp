@@ -126,8 +126,10 @@ void StandInConnection::finishAnswer() {
 }
 
 void StandInConnection::fill() {
-    while (m_socket->bytesToWrite() + m_socket->encryptedBytesToWrite() < fillingAhead)
-        m_socket->write(m_answer.filling);
+    while (m_socket->bytesToWrite() + m_socket->encryptedBytesToWrite() < fillingAhead) {
+        if (m_socket->write(m_answer.filling) <= 0)
+            return; // The other side is gone.
+    }
 }
 
 } // namespace torvane

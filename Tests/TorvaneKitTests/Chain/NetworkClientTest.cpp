@@ -1,5 +1,7 @@
 #include "Chain/NetworkClient.h"
 
+#include "Chain/CurlPool.h"
+#include "Chain/CurlSession.h"
 #include "Support/LogLines.h"
 #include "Support/StandInServer.h"
 #include "Support/TestConfig.h"
@@ -213,6 +215,17 @@ private Q_SLOTS:
     void onlyHTTP11IsSpoken() {
         QCOMPARE(Fetch::outcomeOf(url("/")), QStringLiteral("\"hello\""));
         QCOMPARE(m_server.requests().first().protocol, QByteArray("http/1.1"));
+    }
+
+    void anIdleClientWakesNobody() {
+        QCOMPARE(Fetch::outcomeOf(url("/long")).size(), 300002);
+        const CurlPool& pool = CurlSession::instance()->pool();
+        QVERIFY(pool.isIdle());
+        QVERIFY(!pool.findChild<QTimer*>()->isActive());
+        const auto notifiers = pool.findChildren<QSocketNotifier*>();
+        QVERIFY(!notifiers.isEmpty());
+        for (const QSocketNotifier* notifier : notifiers)
+            QVERIFY(!notifier->isEnabled());
     }
 
     void thisMachineIsReachedWithoutAProxy() {
