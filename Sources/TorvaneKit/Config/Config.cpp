@@ -48,9 +48,9 @@ const QStringList& ethereumRPCURLs() {
 }
 
 const QString& trustAnchorPath() {
-    static const QString path = QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                                     QStringLiteral("/velisk"))
-                                    .absoluteFilePath(QStringLiteral(TORVANE_TRUST_ANCHOR));
+    static const QString path =
+        QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/velisk"))
+            .absoluteFilePath(QStringLiteral(TORVANE_TRUST_ANCHOR));
     return path;
 }
 

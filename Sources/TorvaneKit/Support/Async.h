@@ -186,6 +186,23 @@ private:
     std::vector<Task<void>> m_tasks;
 };
 
+/// Marks an operation as running, from before its first suspension to whichever way it ends.
+class InFlight final {
+public:
+    explicit InFlight(bool& mark)
+        : m_mark(mark) {
+        m_mark = true;
+    }
+
+    InFlight(const InFlight&) = delete;
+    InFlight& operator=(const InFlight&) = delete;
+
+    ~InFlight() { m_mark = false; }
+
+private:
+    bool& m_mark;
+};
+
 namespace detail {
 
 template <class T>

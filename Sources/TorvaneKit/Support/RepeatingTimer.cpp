@@ -1,6 +1,7 @@
 #include "Support/RepeatingTimer.h"
 
 #include <chrono>
+#include <cmath>
 #include <limits>
 
 namespace torvane {
@@ -14,11 +15,11 @@ std::chrono::milliseconds timerInterval(double seconds) {
     const double ms = seconds * 1000;
     if (!(ms > shortestMs)) // NaN too
         return std::chrono::milliseconds(1);
-    return std::chrono::milliseconds(ms < longestMs ? static_cast<int>(ms) : std::numeric_limits<int>::max());
+    return std::chrono::milliseconds(ms < longestMs ? std::lround(ms) : std::numeric_limits<int>::max());
 }
 
-/// A coarse timer moves by at most 5 % of its interval, a very coarse one to whole seconds: the widest that stays within
-/// the tolerance is taken.
+/// A coarse timer moves by at most 5 % of its interval, a very coarse one to whole seconds: the widest that stays
+/// within the tolerance is taken.
 Qt::TimerType timerType(double interval, double tolerance) {
     if (tolerance >= 1 && interval >= 20)
         return Qt::VeryCoarseTimer;
@@ -27,15 +28,16 @@ Qt::TimerType timerType(double interval, double tolerance) {
 
 } // namespace
 
-RepeatingTimer::RepeatingTimer(double interval, double tolerance, std::function<void()> action) {
-    m_timer.setInterval(timerInterval(interval));
-    m_timer.setTimerType(timerType(interval, tolerance));
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(action));
-    m_timer.start();
+RepeatingTimer::RepeatingTimer(QObject* owner, double interval, double tolerance, std::function<void()> action)
+    : m_timer(new QTimer(owner)) {
+    m_timer->setInterval(timerInterval(interval));
+    m_timer->setTimerType(timerType(interval, tolerance));
+    QObject::connect(m_timer, &QTimer::timeout, m_timer, std::move(action));
+    m_timer->start();
 }
 
-double RepeatingTimer::interval() const {
-    return m_timer.interval() / 1000.0;
+RepeatingTimer::~RepeatingTimer() {
+    delete m_timer;
 }
 
 } // namespace torvane

@@ -1,0 +1,59 @@
+# The goals that people type, over the presets of CMakePresets.json and the programs in scripts/. Each first installs
+# what it needs on Debian and its relatives.
+
+INSTALL_DEPENDENCIES ?= scripts/install-dependencies
+CMAKE_FLAGS ?=
+FUZZ_SECONDS ?= 60
+
+MAKEFLAGS += --no-print-directory
+.DEFAULT_GOAL := help
+.NOTPARALLEL:
+.PHONY: help run demo test soak bench fuzz format check clean
+
+help: ## show this list
+	@echo "make GOAL, where GOAL is one of"
+	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-8s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@echo "CMAKE_FLAGS=... reaches CMake; INSTALL_DEPENDENCIES=: installs nothing."
+
+run: ## build velisk and start it
+	@$(INSTALL_DEPENDENCIES) run
+	cmake --preset release $(CMAKE_FLAGS)
+	cmake --build --preset release --target velisk
+	build/release/Sources/TorvaneMenuBar/velisk
+
+demo: ## the same against a simulated relay: no network needed, your settings untouched
+	@$(INSTALL_DEPENDENCIES) demo
+	cmake --preset demo $(CMAKE_FLAGS)
+	cmake --build --preset demo --target velisk-demo velisk-stand-in
+	@scripts/demo
+
+test: ## everything that must pass: layout, layers, build, tests
+	@$(INSTALL_DEPENDENCIES) test
+	@scripts/check
+
+soak: ## the tests that have long rounds, with these (an hour or so)
+	@$(INSTALL_DEPENDENCIES) test
+	@scripts/check build
+	@ctest --preset soak
+
+bench: ## the benchmarks
+	@$(INSTALL_DEPENDENCIES) bench
+	cmake --preset bench $(CMAKE_FLAGS)
+	cmake --build --preset bench
+	@scripts/bench
+
+fuzz: ## the fuzz targets, each for FUZZ_SECONDS (60)
+	@$(INSTALL_DEPENDENCIES) fuzz
+	cmake --preset fuzz $(CMAKE_FLAGS)
+	cmake --build --preset fuzz
+	@scripts/fuzz $(FUZZ_SECONDS)
+
+format: ## lay out all C++ files
+	@$(INSTALL_DEPENDENCIES) format
+	@scripts/check-format --fix
+
+check: ## the same as test, with what is installed
+	@scripts/check
+
+clean: ## remove all that was built
+	rm -rf build

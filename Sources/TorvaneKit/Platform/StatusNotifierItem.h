@@ -1,0 +1,91 @@
+#pragma once
+
+#include "Platform/DBusMenu.h"
+
+#include <QDBusServiceWatcher>
+#include <QImage>
+#include <QPoint>
+
+#include <optional>
+
+class QDBusPendingCallWatcher;
+
+namespace torvane {
+
+/// A text that some panels write beside the icon, with the widest text to expect as a guide.
+struct NotifierLabel {
+    QString text;
+    QString guide;
+
+    bool operator==(const NotifierLabel&) const = default;
+};
+
+/// Everything a panel shows of an item. Texts are plain; an icon name goes before pixmaps on most panels.
+struct NotifierLook {
+    QString title;
+    QString status = QStringLiteral("Active");
+    QString iconName;
+    QString iconThemePath;
+    QList<QImage> icons;
+    QString toolTipTitle;
+    QString toolTipText;
+    std::optional<NotifierLabel> label;
+
+    bool operator==(const NotifierLook&) const = default;
+};
+
+/// An icon in the desktop's panel: org.kde.StatusNotifierItem with a menu. It waits on nobody: the object appears in
+/// each panel that comes up while it lives, and without a bus or a panel it is simply not seen. The one call that may
+/// wait is the caller's, for the connection.
+class StatusNotifierItem final : public QObject {
+    Q_OBJECT
+
+public:
+    /// The id names the program and stays the same over starts; the category is one of the specification's, such as
+    /// "ApplicationStatus". One item per connection: their object paths are fixed.
+    StatusNotifierItem(const QDBusConnection& bus, const QString& id, const QString& category,
+                       QObject* parent = nullptr);
+    ~StatusNotifierItem() override;
+
+    /// Shows this look and tells the panel which of its values changed; an equal look costs no message.
+    void show(const NotifierLook& look);
+
+    void showMenu(const QList<MenuEntry>& entries) { m_menu.show(entries); }
+
+    /// Whether the present panel has taken the item in.
+    bool isRegistered() const { return m_registered; }
+
+Q_SIGNALS:
+    /// Clicks, at the position that the panel states: which is not always the pointer's.
+    void activated(QPoint position);
+    void secondaryActivated(QPoint position);
+    void contextMenuRequested(QPoint position);
+    void menuEntryTriggered(int id);
+    void registeredChanged(bool registered);
+
+private:
+    DBusInterface interface(const QString& id, const QString& category);
+    QList<DBusMethod> methods();
+    QList<DBusProperty> iconProperties();
+    QList<DBusProperty> labelProperties();
+    DBusMethod click(QLatin1StringView name, void (StatusNotifierItem::*clicked)(QPoint));
+    void requestName();
+    void nameAnswered(uint answer);
+    void registerWithPanel();
+    void panelAnswered(const QDBusPendingCallWatcher* call);
+    void setRegistered(bool registered);
+
+    QDBusConnection m_bus;
+    NotifierLook m_look;
+    QList<NotifierPixmap> m_pixmaps;
+    DBusMenu m_menu;
+    DBusObject m_object;
+    QDBusServiceWatcher m_panels;
+    QString m_candidate;
+    QString m_name;
+    int m_attempts = 0;
+    bool m_registered = false;
+    const QDBusPendingCallWatcher* m_registration = nullptr;
+};
+
+} // namespace torvane

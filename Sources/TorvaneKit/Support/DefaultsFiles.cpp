@@ -1,0 +1,111 @@
+#include "Support/DefaultsFiles.h"
+
+#include "Support/Worker.h"
+
+namespace torvane {
+
+namespace {
+
+constexpr qint64 preferencesLimit = 1 << 20; ///< bytes; a file beyond it was not written by this program
+constexpr qint64 dataLimit = 64 << 20;
+
+/// Forgets the entries that stand on the disk, unless they have got newer values meanwhile.
+void forget(QMap<QString, QByteArray>& unwritten, const QString& key, const QByteArray& written) {
+    const auto entry = unwritten.constFind(key);
+    if (entry != unwritten.constEnd() && *entry == written)
+        unwritten.erase(entry);
+}
+
+} // namespace
+
+DefaultsFiles::DefaultsFiles(QString preferencesPath, QString dataDirectory)
+    : m_preferencesPath(std::move(preferencesPath))
+    , m_dataDirectory(std::move(dataDirectory)) {}
+
+PreferencesDocument DefaultsFiles::readPreferences() {
+    const SafeFile::Contents file = SafeFile::read(m_preferencesPath, preferencesLimit);
+    const QMutexLocker lock(&m_mutex);
+    m_known = PreferencesDocument::fromBytes(file.bytes).value_or(PreferencesDocument());
+    return m_known;
+}
+
+void DefaultsFiles::writePreference(const QString& key, const QByteArray& value) {
+    const QMutexLocker lock(&m_mutex);
+    m_known.assign(key, value);
+    m_unwrittenPreferences.insert(key, value);
+    schedule();
+}
+
+std::optional<QByteArray> DefaultsFiles::readData(const QString& key) const {
+    {
+        const QMutexLocker lock(&m_mutex);
+        const auto unwritten = m_unwrittenData.constFind(key);
+        if (unwritten != m_unwrittenData.constEnd())
+            return *unwritten;
+    }
+    const SafeFile::Contents file = SafeFile::read(dataPath(key), dataLimit);
+    return file.state == SafeFile::State::read ? std::optional(file.bytes) : std::nullopt;
+}
+
+void DefaultsFiles::writeData(const QString& key, const QByteArray& bytes) {
+    const QMutexLocker lock(&m_mutex);
+    m_unwrittenData.insert(key, bytes);
+    schedule();
+}
+
+void DefaultsFiles::schedule() {
+    if (std::exchange(m_isScheduled, true))
+        return;
+    worker().start([self = shared_from_this()] { self->writeAll(); });
+}
+
+void DefaultsFiles::writeAll() {
+    QMutexLocker lock(&m_mutex);
+    m_isScheduled = false;
+    const Entries preferences = m_unwrittenPreferences;
+    const Entries data = m_unwrittenData;
+    const PreferencesDocument known = m_known;
+    lock.unlock();
+    if (!preferences.isEmpty() && writePreferences(preferences, known)) {
+        lock.relock();
+        for (auto entry = preferences.begin(); entry != preferences.end(); ++entry)
+            forget(m_unwrittenPreferences, entry.key(), entry.value());
+        lock.unlock();
+    }
+    for (auto entry = data.begin(); entry != data.end(); ++entry) {
+        if (!SafeFile::replace(dataPath(entry.key()), entry.value()))
+            continue;
+        lock.relock();
+        forget(m_unwrittenData, entry.key(), entry.value());
+        lock.unlock();
+    }
+}
+
+bool DefaultsFiles::writePreferences(const Entries& changes, PreferencesDocument known) const {
+    const SafeFile::EditLock lock(m_preferencesPath);
+    const SafeFile::Contents file = SafeFile::read(m_preferencesPath, preferencesLimit);
+    std::optional<PreferencesDocument> document = PreferencesDocument::fromBytes(file.bytes);
+    if (!document && !mayBeReplaced(file))
+        return false;
+    if (!document)
+        document = std::move(known);
+    for (auto change = changes.begin(); change != changes.end(); ++change)
+        document->assign(change.key(), change.value());
+    return SafeFile::replace(m_preferencesPath, document->toBytes());
+}
+
+/// What is no document is kept aside first. A disk error may pass, and what is no file at all is not ours to touch:
+/// then the values wait in memory.
+bool DefaultsFiles::mayBeReplaced(const SafeFile::Contents& file) const {
+    using enum SafeFile::State;
+    const bool isEmpty = file.state == read && file.bytes.isEmpty(); // It holds nothing worth keeping.
+    if (file.state == missing || isEmpty)
+        return true;
+    return file.state != unreadable && SafeFile::keepAside(m_preferencesPath, QStringLiteral(".damaged"));
+}
+
+QString DefaultsFiles::dataPath(const QString& key) const {
+    return m_dataDirectory.isEmpty() ? QString() : m_dataDirectory + QLatin1Char('/') + key;
+}
+
+} // namespace torvane

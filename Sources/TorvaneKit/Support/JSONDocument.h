@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+#include <QtGlobal>
+
+#include <string_view>
+#include <vector>
+
+namespace torvane::JSON {
+
+enum class Kind : quint8 { null, boolean, number, string, array, object };
+
+/// One step of a document, in the order of its bytes. An object's children are its keys and values in turn.
+struct Token {
+    static constexpr quint32 extentLimit = (1U << 29) - 1;
+
+    quint32 offset; ///< of the first byte; of a string the first after the quotation mark
+    quint32 kind : 3;
+    quint32 extent : 29; ///< of a text its length in bytes; of an array or object the number of tokens inside
+};
+
+/// A place in a Document, valid as long as that lives.
+class Value final {
+public:
+    Value() = default; ///< no value at all
+    Value(const Token* token, const char* bytes)
+        : m_token(token)
+        , m_bytes(bytes) {}
+
+    explicit operator bool() const { return m_token; }
+    bool operator==(const Value&) const = default;
+
+    Kind kind() const { return static_cast<Kind>(m_token->kind); }
+    qsizetype offset() const { return m_token->offset; }
+    std::string_view text() const {
+        return {m_bytes + m_token->offset, m_token->extent};
+    } ///< unescaped; not of containers
+
+    Value first() const { return {m_token + 1, m_bytes}; }                  ///< child, or past() of an empty container
+    Value past() const { return {m_token + 1 + m_token->extent, m_bytes}; } ///< the end of the children
+    Value next() const { return isContainer() ? past() : first(); }
+
+private:
+    bool isContainer() const { return kind() >= Kind::array; }
+
+    const Token* m_token = nullptr;
+    const char* m_bytes = nullptr;
+};
+
+/// A document that is known to be JSON in the strict sense of RFC 8259, as a flat list of tokens over a copy of its
+/// bytes. Flat, so that no depth of nesting costs stack and a value of no interest is stepped over.
+class Document final {
+public:
+    explicit Document(QByteArrayView bytes); ///< throws DecodingError
+
+    Value root() const { return {m_tokens.data(), m_bytes.constData()}; }
+
+private:
+    QByteArray m_bytes; ///< strings are unescaped in place
+    std::vector<Token> m_tokens;
+};
+
+/// Throws DecodingError unless the value is of this kind.
+void require(Value value, Kind kind);
+
+bool readBool(Value value);
+double readDouble(Value value); ///< the nearest double; throws on overflow, while underflow counts as 0
+qint64 readSigned(Value value);
+quint64 readUnsigned(Value value);
+QString readString(Value value);
+
+} // namespace torvane::JSON

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Badge/StatusItemBadge.h"
+#include "Coordination/SnapshotStore.h"
+
+#include <QObject>
+
+namespace torvane {
+
+/// The program: the shared objects, which live as long as it does, and the badge that shows them.
+class TorvaneApp final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Needs a QGuiApplication. The store starts with the main loop.
+    TorvaneApp();
+
+private:
+    void showBadgeSoon();
+
+    UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
+    AppSettings m_settings{m_defaults};
+    SnapshotStore m_store{m_settings, m_defaults};
+    StatusItemBadge m_badge;
+    bool m_badgeIsStale = false;
+    TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
+};
+
+} // namespace torvane

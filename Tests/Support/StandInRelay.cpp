@@ -1,0 +1,131 @@
+#include "Support/StandInRelay.h"
+
+#include "Support/Clock.h"
+#include "Support/JSON.h"
+#include "Support/SimulatedMarket.h"
+
+#include <QCryptographicHash>
+#include <QTimer>
+
+#include <charconv>
+
+namespace torvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A new document twice a minute, so that each of the program's fetches finds one.
+constexpr qint64 secondsPerDocument = 30;
+
+std::optional<double> number(const QByteArray& text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.cbegin(), text.cend(), value);
+    return error == std::errc() && end == text.cend() ? std::optional(value) : std::nullopt;
+}
+
+/// The document with a cache's validator and a freshness, as a static host serves it.
+StandInAnswer asFile(const QByteArray& body, const StandInRequest& request) {
+    const QByteArray tag = '"' + QCryptographicHash::hash(body, QCryptographicHash::Sha1).toHex() + '"';
+    const auto withValidator = [&tag](const StandInAnswer& answer) {
+        return answer.header("ETag", tag).header("Cache-Control", "max-age=30");
+    };
+    if (request.header("If-None-Match") == tag)
+        return withValidator(StandInAnswer::status(304));
+    const StandInAnswer whole = withValidator(StandInAnswer::ok(body)).header("Content-Type", "application/json");
+    return request.header("Accept-Encoding").contains("gzip") ? whole.gzipped() : whole;
+}
+
+StandInAnswer misbehaving(const QByteArray& kind, const QByteArray& body) {
+    if (kind.startsWith("status "))
+        return StandInAnswer::status(kind.mid(7).toInt(), "not today");
+    if (kind.startsWith("redirect "))
+        return StandInAnswer::redirect(302, kind.mid(9));
+    if (kind == "drip")
+        return StandInAnswer::ok(body).dripped(1, 1s);
+    if (kind == "truncate")
+        return StandInAnswer::ok(body).cutShort(body.size() / 2, StandInAnswer::Ending::abruptClose);
+    if (kind == "endless")
+        return StandInAnswer::endlessBody();
+    if (kind == "silence")
+        return StandInAnswer::raw({});
+    return StandInAnswer::ok("{\"generatedAt\": garbage");
+}
+
+bool isKind(const QByteArray& kind) {
+    static const QList<QByteArray> plain{"normal", "drip", "truncate", "endless", "garbage", "silence"};
+    if (kind.startsWith("status "))
+        return kind.mid(7).toInt() >= 100 && kind.mid(7).toInt() <= 999;
+    return plain.contains(kind) || kind.startsWith("redirect ");
+}
+
+} // namespace
+
+StandInRelay::StandInRelay(quint16 port, QObject* parent)
+    : QObject(parent) {
+    listen(StandInServer::certificatePath("localhost"), port);
+}
+
+void StandInRelay::listen(const QString& certificate, quint16 port) {
+    m_server.reset(); // Its port must be free before the next one listens.
+    m_server = std::make_unique<StandInServer>(certificate, port);
+    m_server->on("/snapshot.json", [this](const StandInRequest& request) { return answerSnapshot(request); });
+    m_server->on("/control", [this](const StandInRequest& request) { return answerControl(request.body.trimmed()); });
+}
+
+Snapshot StandInRelay::document() const {
+    const qint64 seconds = Clock::now().toSecsSinceEpoch();
+    const qint64 stamp = seconds - seconds % secondsPerDocument;
+    Snapshot snapshot = SimulatedMarket::at(QDateTime::fromSecsSinceEpoch(stamp, Qt::UTC));
+    if (m_baseFee) {
+        GasData& gas = snapshot.gas;
+        const double scale = *m_baseFee / gas.baseFee;
+        for (double* price : {&gas.baseFee, &gas.low, &gas.avg, &gas.high})
+            *price *= scale;
+        // A document with other figures is another document.
+        snapshot.generatedAt = Clock::now().toString(Qt::ISODateWithMs);
+    }
+    return snapshot;
+}
+
+StandInAnswer StandInRelay::answerSnapshot(const StandInRequest& request) const {
+    const QByteArray body = JSON::encode(document());
+    return m_kind == "normal" ? asFile(body, request) : misbehaving(m_kind, body);
+}
+
+StandInAnswer StandInRelay::answerControl(const QByteArray& order) {
+    const qsizetype blank = order.indexOf(' ');
+    const QByteArray name = order.left(blank < 0 ? order.size() : blank);
+    const QByteArray value = blank < 0 ? QByteArray() : order.mid(blank + 1);
+    return obeys(name, value) ? StandInAnswer::status(204) : StandInAnswer::status(400, "Not understood: " + order);
+}
+
+bool StandInRelay::obeys(const QByteArray& name, const QByteArray& value) {
+    if (name == "baseFee")
+        return setBaseFee(value);
+    if (name == "certificate")
+        return setCertificate(value);
+    if (name != "answer" || !isKind(value))
+        return false;
+    m_kind = value;
+    return true;
+}
+
+bool StandInRelay::setBaseFee(const QByteArray& value) {
+    const std::optional<double> fee = number(value);
+    if (!fee && !value.isEmpty())
+        return false;
+    m_baseFee = fee;
+    return true;
+}
+
+bool StandInRelay::setCertificate(const QByteArray& name) {
+    if (!QList<QByteArray>{"localhost", "otherhost", "expired", "stranger"}.contains(name))
+        return false;
+    const QString path = StandInServer::certificatePath(name.constData());
+    // Once this order is answered: the server that answers it goes.
+    QTimer::singleShot(100ms, this, [this, path] { listen(path, m_server->port()); });
+    return true;
+}
+
+} // namespace torvane

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QByteArray>
+
+/// A disk that fails on command. A program that links this unit has its own open, read, write, fsync, rename, link,
+/// unlink, mkdir and flock: each passes on to the system's, except for the calls that are told to fail. Only calls that
+/// concern one directory are counted.
+namespace torvane::FailingDisk {
+
+struct Fault {
+    int call = 0;             ///< which call fails, counted from 1; 0 for none
+    int error = 0;            ///< the errno that it leaves
+    bool isLasting = false;   ///< all later calls fail too
+    bool writesShort = false; ///< no fault at all, but each write takes a few bytes only
+};
+
+/// Starts counting the calls that concern what is below this directory.
+void arm(const QByteArray& directory, const Fault& fault);
+
+/// Ends it: the number of calls counted.
+int disarm();
+
+} // namespace torvane::FailingDisk
