@@ -91,7 +91,9 @@ bool DefaultsFiles::writePreferences(const Entries& changes, PreferencesDocument
         document = std::move(known);
     for (auto change = changes.begin(); change != changes.end(); ++change)
         document->assign(change.key(), change.value());
-    return SafeFile::replace(m_preferencesPath, document->toBytes());
+    const QByteArray bytes = document->toBytes();
+    // What could not be read back would cost all the other values too.
+    return bytes.size() <= preferencesLimit && SafeFile::replace(m_preferencesPath, bytes);
 }
 
 /// What is no document is kept aside first. A disk error may pass, and what is no file at all is not ours to touch:
@@ -105,6 +107,7 @@ bool DefaultsFiles::mayBeReplaced(const SafeFile::Contents& file) const {
 }
 
 QString DefaultsFiles::dataPath(const QString& key) const {
+    Q_ASSERT(!key.isEmpty() && !key.contains(QLatin1Char('/')));
     return m_dataDirectory.isEmpty() ? QString() : m_dataDirectory + QLatin1Char('/') + key;
 }
 

@@ -107,6 +107,16 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": \"by hand\",\n  \"a\": 7,\n  \"c\": true\n}\n"));
     }
 
+    void aValueThatWouldMakeTheFileUnreadableIsNotWritten() {
+        put(path(), R"({"a": 1})");
+        UserDefaults defaults(path(), dataDirectory());
+        defaults.set(b, QString(1 << 20, QLatin1Char('x')));
+        QCOMPARE(contentOf(path()), QByteArray(R"({"a": 1})"));
+        QCOMPARE(defaults.string(b)->size(), 1 << 20);
+        defaults.set(b, QStringLiteral("short"));
+        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": 1,\n  \"b\": \"short\"\n}\n"));
+    }
+
     void aFileThatIsGoneIsWrittenAnewFromMemory() {
         put(path(), R"({"x": 1.5, "a": 1})");
         UserDefaults defaults(path(), dataDirectory());
