@@ -27,8 +27,8 @@ Q_SIGNALS:
 };
 
 /// A property of an observable object. Assigning it tells the owner's observers, then the property's own, then
-/// changes the value: observers are told the new value while the old one can still be read. Equal values are announced too:
-/// it is the receivers that compare.
+/// changes the value: observers are told the new value while the old one can still be read. Equal values are announced
+/// too: it is the receivers that compare.
 template <class T>
 class Published {
 public:

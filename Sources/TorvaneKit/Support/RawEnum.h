@@ -11,7 +11,8 @@
 
 namespace torvane {
 
-/// The raw values of an enumeration: one pair per case, in the order of its cases. Specialise it beside the enumeration:
+/// The raw values of an enumeration: one pair per case, in the order of its cases. Specialise it beside the
+/// enumeration:
 ///     template <> inline constexpr std::array rawValues<Colour>{std::pair{Colour::red, "red"_L1}, ...};
 /// An enumeration without this table has no raw values and none of the functions below.
 template <class E>
