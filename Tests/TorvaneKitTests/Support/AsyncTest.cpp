@@ -121,9 +121,7 @@ private Q_SLOTS:
 
     void aTaskThatNobodyStartsDoesNothing() {
         QString result;
-        {
-            const Task<> unstarted = store(QStringLiteral("a"), result);
-        }
+        { const Task<> unstarted = store(QStringLiteral("a"), result); }
         worker().waitForDone();
         QCoreApplication::processEvents();
         QVERIFY(result.isEmpty());

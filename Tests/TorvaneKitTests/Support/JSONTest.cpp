@@ -47,10 +47,10 @@ private Q_SLOTS:
         QTest::newRow("true") << QByteArray("true");
         QTest::newRow("false") << QByteArray("false");
         QTest::newRow("a number alone") << QByteArray("1");
-        QTest::newRow("a string alone") << QByteArray(R"("a")");
+        QTest::newRow("a string alone") << QByteArray("\"a\"");
         QTest::newRow("an empty object") << QByteArray("{}");
         QTest::newRow("an empty array") << QByteArray("[]");
-        QTest::newRow("an empty key") << QByteArray(R"({"":1})");
+        QTest::newRow("an empty key") << QByteArray("{\"\":1}");
         QTest::newRow("white space of every kind around everything")
             << QByteArray(" \t\r\n{ \"a\" :\n[ 1 ,\t2 ]\r} \n");
         QTest::newRow("long indentation within a list") << QByteArray("[1,\n                    2,\n\t\t\t   3 \n  ]");
@@ -59,9 +59,9 @@ private Q_SLOTS:
         QTest::newRow("zero with an enormous exponent") << QByteArray("[0e400,0.0E+99999999999999999999]");
         QTest::newRow("a number beyond every double") << QByteArray("[1e400,-1e99999]");
         QTest::newRow("an integer of 1000 digits") << QByteArray(1000, '7');
-        QTest::newRow("every short escape") << QByteArray(R"("\"\\\/\b\f\n\r\t")");
-        QTest::newRow("escapes of the basic plane") << QByteArray(R"("\u0000\u00e9\u4E2d\uffff")");
-        QTest::newRow("a surrogate pair as escapes") << QByteArray(R"("\ud83d\ude00\uDBFF\uDFFF")");
+        QTest::newRow("every short escape") << QByteArray("\"\\\"\\\\\\/\\b\\f\\n\\r\\t\"");
+        QTest::newRow("escapes of the basic plane") << QByteArray("\"\\u0000\\u00e9\\u4E2d\\uffff\"");
+        QTest::newRow("a surrogate pair as escapes") << QByteArray("\"\\ud83d\\ude00\\uDBFF\\uDFFF\"");
         QTest::newRow("text of one to four bytes each") << QByteArray("\"a\u00e9\u4e2d\U0001f600\"");
         QTest::newRow("Hangul that shares its first byte with surrogates") << QByteArray("\"\ud7a3\ud000\"");
         QTest::newRow("a delete character") << QByteArray("\"\x7f\"");
@@ -99,12 +99,12 @@ private Q_SLOTS:
         row("a comma at the start", "[,1]");
         row("two commas", "[1,,2]");
         row("no comma between numbers", "[1 2]");
-        row("no comma between members", R"({"a":1 "b":2})");
-        row("no colon", R"({"a" 1})");
-        row("a comma for a colon", R"({"a",1})");
+        row("no comma between members", "{\"a\":1 \"b\":2}");
+        row("no colon", "{\"a\" 1}");
+        row("a comma for a colon", "{\"a\",1}");
         row("a key that is no string", "{1:2}");
-        row("a number for the next key", R"({"a":1,2})");
-        row("a value without a key", R"({"a":1,"b"})");
+        row("a number for the next key", "{\"a\":1,2}");
+        row("a value without a key", "{\"a\":1,\"b\"}");
         row("single quotes", "{'a':1}");
         row("a key without quotes", "{a:1}");
         row("a comment", "{/* c */}");
@@ -143,12 +143,12 @@ private Q_SLOTS:
 
     void textThatIsNotUnicodeIsRefused_data() {
         QTest::addColumn<QByteArray>("text");
-        QTest::newRow("a high surrogate alone") << QByteArray(R"(\ud800)");
-        QTest::newRow("a high surrogate before text") << QByteArray(R"(\ud800abcdef)");
-        QTest::newRow("a high surrogate before another") << QByteArray(R"(\ud800\ud800)");
-        QTest::newRow("a high surrogate before another escape") << QByteArray(R"(\ud800\n)");
-        QTest::newRow("a low surrogate alone") << QByteArray(R"(\udc00)");
-        QTest::newRow("a low surrogate in capitals after text") << QByteArray(R"(abc\uDFFF)");
+        QTest::newRow("a high surrogate alone") << QByteArray("\\ud800");
+        QTest::newRow("a high surrogate before text") << QByteArray("\\ud800abcdef");
+        QTest::newRow("a high surrogate before another") << QByteArray("\\ud800\\ud800");
+        QTest::newRow("a high surrogate before another escape") << QByteArray("\\ud800\\n");
+        QTest::newRow("a low surrogate alone") << QByteArray("\\udc00");
+        QTest::newRow("a low surrogate in capitals after text") << QByteArray("abc\\uDFFF");
         QTest::newRow("a low surrogate after Hangul") << QByteArray("\ud7a3\\udc00");
         QTest::newRow("a high surrogate as three bytes") << QByteArray("\xed\xa0\x80");
         QTest::newRow("a low surrogate as three bytes") << QByteArray("\xed\xbf\xbf");
@@ -166,32 +166,33 @@ private Q_SLOTS:
         QTest::newRow("a line end") << QByteArray("a\nb");
         QTest::newRow("a tab") << QByteArray("\t");
         QTest::newRow("the last control character") << QByteArray("a long text before it\x1f");
-        QTest::newRow("an escape that does not exist") << QByteArray(R"(\q)");
-        QTest::newRow("an escape in octal") << QByteArray(R"(\012)");
-        QTest::newRow("an escape with three digits") << QByteArray(R"(\u12)");
-        QTest::newRow("an escape with a letter for a digit") << QByteArray(R"(\u12G4)");
-        QTest::newRow("an escape with a sign") << QByteArray(R"(\u+123)");
+        QTest::newRow("an escape that does not exist") << QByteArray("\\q");
+        QTest::newRow("an escape in octal") << QByteArray("\\012");
+        QTest::newRow("an escape with three digits") << QByteArray("\\u12");
+        QTest::newRow("an escape with a letter for a digit") << QByteArray("\\u12G4");
+        QTest::newRow("an escape with a sign") << QByteArray("\\u+123");
     }
 
     void textThatIsNotUnicodeIsRefused() {
         QFETCH(QByteArray, text);
-        QVERIFY(!complaint('"' + text + '"').isEmpty());
-        QVERIFY(!complaint(R"({"unknown":[")" + text + R"("]})").isEmpty());
-        QVERIFY(!complaint(R"({")" + text + R"(":1})").isEmpty());
+        const QByteArray quoted = '"' + text + '"';
+        QVERIFY(!complaint(quoted).isEmpty());
+        QVERIFY(!complaint("{\"unknown\":[" + quoted + "]}").isEmpty());
+        QVERIFY(!complaint('{' + quoted + ":1}").isEmpty());
     }
 
     void anyDepthOfNestingIsRead() {
-        QCOMPARE(complaint(nested(100'000)), QByteArray());
-        QCOMPARE(complaint(nested(5'000'000)), QByteArray());
-        QVERIFY(!complaint(QByteArray(5'000'000, '[')).isEmpty());
-        QVERIFY(!complaint(QByteArray(R"({"a":)").repeated(100'000)).isEmpty());
-        QVERIFY(!complaint(QByteArray(100'000, '[') + QByteArray(100'000, '}')).isEmpty());
+        QCOMPARE(complaint(nested(100000)), QByteArray());
+        QCOMPARE(complaint(nested(5000000)), QByteArray());
+        QVERIFY(!complaint(QByteArray(5000000, '[')).isEmpty());
+        QVERIFY(!complaint(QByteArray("{\"a\":").repeated(100000)).isEmpty());
+        QVERIFY(!complaint(QByteArray(100000, '[') + QByteArray(100000, '}')).isEmpty());
     }
 
     void aComplaintNamesTheByte() {
-        QCOMPARE(complaint("[1,02]"), "not JSON at byte 4: Missing a comma or ] after an array element.");
+        QCOMPARE(complaint("[1,02]"), "not JSON at byte 4: Missing a comma or ']' after an array element.");
         QCOMPARE(complaint("{}\n x"), "not JSON at byte 4: The document root must not be followed by other values.");
-        QVERIFY(complaint(R"("\udc00")").endsWith("half of a surrogate pair"));
+        QCOMPARE(complaint("[\"\\udc00\"]"), "not JSON at byte 9: half of a surrogate pair");
     }
 
     void numbersAreTheNearestDouble_data() {
@@ -273,12 +274,24 @@ private Q_SLOTS:
         QCOMPARE(complaintAs<qint64>("\"1\""), "expected a number, found a string");
     }
 
+    void textsAreRead_data() {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("nothing") << QByteArray("\"\"") << QString();
+        QTest::newRow("letters") << QByteArray("\"abc\"") << QStringLiteral("abc");
+        QTest::newRow("short escapes") << QByteArray("\"\\\"\\\\\\/\\b\\f\\n\\r\\t\"")
+                                       << QStringLiteral("\"\\/\b\f\n\r\t");
+        QTest::newRow("escapes by number")
+            << QByteArray("\"\\u00e9\\u4E2D\\ud83d\\ude00\"") << QStringLiteral("\u00e9\u4e2d\U0001f600");
+        QTest::newRow("bytes") << QByteArray("\"\u00e9\u4e2d\U0001f600\"") << QStringLiteral("\u00e9\u4e2d\U0001f600");
+        QTest::newRow("a zero as an escape") << QByteArray("\"a\\u0000b\"") << QString::fromUtf16(u"a\0b", 3);
+    }
+
     void textsAreRead() {
-        QCOMPARE(JSON::decode<QString>(R"("\"\\\/\b\f\n\r\t")"), QLatin1String("\"\\/\b\f\n\r\t"));
-        QCOMPARE(JSON::decode<QString>(R"("\u00e9\u4e2d\ud83d\ude00")"), QStringLiteral("\u00e9\u4e2d\U0001f600"));
-        QCOMPARE(JSON::decode<QString>("\"\u00e9\u4e2d\U0001f600\""), QStringLiteral("\u00e9\u4e2d\U0001f600"));
-        QCOMPARE(JSON::decode<QString>(R"("a\u0000b")"), QString::fromUtf16(u"a\0b", 3));
-        QCOMPARE(JSON::decode<QString>(R"("")"), QString());
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, text);
+        QCOMPARE(JSON::decode<QString>(bytes), text);
+        QCOMPARE(JSON::decode<QString>(JSON::encode(text)), text);
     }
 
     void encodingIsCompactAndExact() {
@@ -299,7 +312,7 @@ private Q_SLOTS:
 
     void everyDoubleSurvives() {
         quint64 bits = 0x9E3779B97F4A7C15;
-        for (int i = 0; i < 20'000; ++i) {
+        for (int i = 0; i < 20000; ++i) {
             bits = bits * 6364136223846793005 + 1442695040888963407;
             const double value = std::bit_cast<double>(bits);
             if (!std::isfinite(value))
