@@ -76,6 +76,18 @@ private Q_SLOTS:
         QCOMPARE(contentOf(dataDirectory() + QStringLiteral("/data")), QByteArray(1000, 'x'));
     }
 
+    void newMembersComeInTheOrderOfTheirAssignment() {
+        put(path(), "{}");
+        UserDefaults defaults(path(), dataDirectory());
+        QSemaphore gate;
+        worker().start([&] { gate.acquire(); });
+        defaults.set(b, true);
+        defaults.set(a, true);
+        defaults.set(b, false);
+        gate.release();
+        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": false,\n  \"a\": true\n}\n"));
+    }
+
     void writesUnderWayOutliveTheirUserDefaults() {
         QSemaphore gate;
         worker().start([&] { gate.acquire(); });
