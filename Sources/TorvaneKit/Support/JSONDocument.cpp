@@ -84,8 +84,7 @@ private:
     quint32 m_open = 0;
 };
 
-/// Whether the next eight bytes are digits: within one word, these alone become 0 to 9 and stay below 128 with 118
-/// added.
+/// Whether the next eight bytes are digits, all at once: only digits become 0 to 9 and stay below 128 with 118 added.
 bool areEightDigits(const char* text) {
     quint64 word = 0;
     std::memcpy(&word, text, 8);
@@ -165,22 +164,26 @@ namespace torvane::JSON {
 
 namespace {
 
-/// Zero bytes after the document: the end of the text for the reader, and room for readers of whole words.
-constexpr qsizetype padding = 16;
-
 [[noreturn]] void refuse(const char* reason, std::size_t offset) {
     throw DecodingError(DecodingError::Cause::notJSON,
                         "not JSON at byte " + QByteArray::fromStdString(std::to_string(offset)) + ": " + reason);
 }
 
+/// The document with zero bytes after it: the end of the text for the reader, and room for looking at whole words.
+QByteArray padded(QByteArrayView bytes) {
+    constexpr qsizetype padding = 16;
+    if (bytes.size() > Token::extentLimit)
+        refuse("the document is too long", Token::extentLimit);
+    QByteArray copy(bytes.size() + padding, Qt::Uninitialized);
+    std::copy(bytes.begin(), bytes.end(), copy.begin());
+    std::fill_n(copy.end() - padding, padding, '\0');
+    return copy;
+}
+
 } // namespace
 
 Document::Document(QByteArrayView bytes)
-    : m_bytes(bytes.size() + padding, Qt::Uninitialized) {
-    std::copy(bytes.begin(), bytes.end(), m_bytes.begin());
-    std::fill_n(m_bytes.end() - padding, padding, '\0');
-    if (bytes.size() > Token::extentLimit)
-        refuse("the document is too long", Token::extentLimit);
+    : m_bytes(padded(bytes)) {
     m_tokens.reserve(static_cast<std::size_t>(bytes.size()) / 8 + 1);
     rapidjson::InsituStringStream stream(m_bytes.data());
     Tape tape(m_tokens, stream);

@@ -12,8 +12,7 @@ namespace torvane::JSON {
 
 enum class Kind : quint8 { null, boolean, number, string, array, object };
 
-/// One step of a document, in the order of its bytes. An object's children are its keys and values in turn. After a
-/// number its value stands in the place of a token, as Number has it.
+/// One step of a document, in the order of its bytes. An object's children are its keys and values in turn.
 struct Token {
     static constexpr quint32 extentLimit = (1U << 29) - 1;
 
@@ -25,6 +24,7 @@ struct Token {
     }
 
     Kind kind() const { return static_cast<Kind>(kindAndExtent >> 29); }
+
     /// Of a text its length in bytes; of an array or object the number of tokens inside.
     quint32 extent() const { return kindAndExtent & extentLimit; }
 };
@@ -42,12 +42,13 @@ public:
 
     Kind kind() const { return m_token->kind(); }
     qsizetype offset() const { return m_token->offset; }
-    std::string_view text() const {
-        return {m_bytes + m_token->offset, m_token->extent()};
-    } ///< unescaped; not of containers
 
-    Value first() const { return {m_token + 1, m_bytes}; } ///< child, or past() of an empty container
-    Value past() const { return {m_token + 1 + m_token->extent(), m_bytes}; } ///< the end of the children
+    /// As written, of a string unescaped. Arrays and objects have none.
+    std::string_view text() const { return {m_bytes + m_token->offset, m_token->extent()}; }
+
+    /// The children of an array or object run from first() to before past(), by next().
+    Value first() const { return {m_token + 1, m_bytes}; }
+    Value past() const { return {m_token + 1 + m_token->extent(), m_bytes}; }
     Value next() const { return kind() >= Kind::array ? past() : first(); }
 
 private:
