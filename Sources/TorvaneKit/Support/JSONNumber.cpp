@@ -42,14 +42,16 @@ std::optional<double> shortValue(std::string_view number) {
 bool isSmall(std::string_view number) {
     const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
     const std::string_view digits = number.substr(0, mark);
+    const std::size_t first = digits.find_first_of("123456789");
+    if (first == std::string_view::npos)
+        return true;
     std::string_view power = number.substr(std::min(mark + 1, number.size()));
     power.remove_prefix(power.starts_with('+'));
-    long exponent = 0;
+    int exponent = 0;
     if (std::from_chars(power.data(), power.data() + power.size(), exponent).ec == std::errc::result_out_of_range)
-        return power.starts_with('-');
-    const auto first = static_cast<long>(std::min(digits.find_first_of("123456789"), digits.size()));
-    const auto point = static_cast<long>(std::min(digits.find('.'), digits.size()));
-    return point - first + exponent <= 0;
+        return power.starts_with('-'); // No document is long enough to make up for that.
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    return static_cast<qint64>(point) - static_cast<qint64>(first) + exponent <= 0;
 }
 
 } // namespace

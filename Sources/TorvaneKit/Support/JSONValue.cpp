@@ -2,6 +2,8 @@
 #include "Support/JSONErrors.h"
 #include "Support/JSONNumber.h"
 
+#include <QStringDecoder>
+
 #include <charconv>
 #include <cmath>
 #include <concepts>
@@ -71,7 +73,12 @@ quint64 readUnsigned(Value value) {
 QString readString(Value value) {
     require(value, Kind::string);
     const std::string_view text = value.text();
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const QByteArrayView bytes(text.data(), static_cast<qsizetype>(text.size()));
+    if (!bytes.startsWith("\xef\xbb\xbf"))
+        return QString::fromUtf8(bytes);
+    // fromUtf8 drops a byte order mark; inside a text it is a character like any other.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom);
+    return decoder(bytes);
 }
 
 } // namespace torvane::JSON

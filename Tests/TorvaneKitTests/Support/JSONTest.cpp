@@ -233,6 +233,8 @@ private Q_SLOTS:
         QTest::newRow("underflow by zeros") << QByteArray("0." + QByteArray(500, '0') + "1") << 0.0;
         QTest::newRow("underflow of a large number") << QByteArray("123456e-999") << 0.0;
         QTest::newRow("zero with an enormous exponent") << QByteArray("0e999") << 0.0;
+        QTest::newRow("zero with an exponent beyond 64 bits") << QByteArray("-0.00e99999999999999999999") << -0.0;
+        QTest::newRow("underflow by the largest exponent of 64 bits") << QByteArray("10.5e-9223372036854775808") << 0.0;
         QTest::newRow("halfway to the next, to even") << QByteArray("9007199254740993.0") << 9007199254740992.0;
         QTest::newRow("halfway and a little more") << QByteArray("9007199254740993.00001") << 9007199254740994.0;
     }
@@ -252,6 +254,7 @@ private Q_SLOTS:
         QTest::newRow("just above the largest") << QByteArray("1.7976931348623159e308");
         QTest::newRow("with a fraction of zeros first") << QByteArray("0.0001e99999");
         QTest::newRow("as an integer") << QByteArray("1" + QByteArray(400, '0'));
+        QTest::newRow("by the largest exponent of 64 bits") << QByteArray("1.5e9223372036854775807");
         QTest::newRow("far beyond any exponent") << QByteArray("1e99999999999999999999");
         QTest::newRow("a long integer and a small exponent") << QByteArray("1" + QByteArray(400, '0') + "e-5");
     }
@@ -284,6 +287,8 @@ private Q_SLOTS:
         QTest::newRow("escapes by number")
             << QByteArray("\"\\u00e9\\u4E2D\\ud83d\\ude00\"") << QStringLiteral("\u00e9\u4e2d\U0001f600");
         QTest::newRow("bytes") << QByteArray("\"\u00e9\u4e2d\U0001f600\"") << QStringLiteral("\u00e9\u4e2d\U0001f600");
+        QTest::newRow("a byte order mark first") << QByteArray("\"\ufeffa\"") << QStringLiteral("\ufeffa");
+        QTest::newRow("two byte order marks") << QByteArray("\"\\ufeff\ufeff\"") << QStringLiteral("\ufeff\ufeff");
         QTest::newRow("a zero as an escape") << QByteArray("\"a\\u0000b\"") << QString::fromUtf16(u"a\0b", 3);
     }
 
