@@ -3,6 +3,7 @@
 #include "Support/StandInAnswer.h"
 
 #include <QHash>
+#include <QSslConfiguration>
 #include <QSslServer>
 #include <QUrl>
 
@@ -43,6 +44,9 @@ public:
 
     /// Path of a certificate that the build made: "ca", "localhost", "otherhost", "expired", "stranger", "strangerca".
     static QString certificatePath(const char* name);
+
+    /// What a TLS server with this certificate needs.
+    static QSslConfiguration tlsConfiguration(const QString& certificate);
 
     /// Answers requests for this path, the query apart. Paths that nobody answers get a 404.
     void on(const QByteArray& path, Handler handler);

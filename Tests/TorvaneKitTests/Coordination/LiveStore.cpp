@@ -31,6 +31,7 @@ LiveStore::LiveStore()
 
 LiveStore::~LiveStore() {
     store.reset();
+    worker().waitForDone(); // Nothing is written into a home that is being removed.
     Clock::setSource(nullptr);
 }
 

@@ -62,6 +62,7 @@ private Q_SLOTS:
         m_store.reset();
         m_settings.reset();
         m_defaults.reset();
+        worker().waitForDone(); // Nothing is written into a home that is being removed.
         Clock::setSource(nullptr);
     }
 
