@@ -97,15 +97,17 @@ QJsonValue AnvilNode::call(const QString& method, const QJsonArray& parameters) 
 
 void AnvilNode::mine(quint64 baseFee, const QList<quint64>& priorityFees) {
     const auto text = [](quint64 wei) { return HexQuantity{wei}.toText(); };
-    const QString account = call(QStringLiteral("eth_accounts"))[0].toString();
+    const QJsonValue accounts = call(QStringLiteral("eth_accounts"));
     call(QStringLiteral("anvil_setNextBlockBaseFeePerGas"), {text(baseFee)});
-    for (const quint64 fee : priorityFees) {
+    for (qsizetype i = 0; i < priorityFees.size(); ++i) {
+        // Each from an account of its own: those of one account must keep their order, which is not that of the fees.
+        const QJsonValue account = accounts[i];
         const QJsonObject transfer{{QStringLiteral("from"), account},
                                    {QStringLiteral("to"), account},
                                    {QStringLiteral("value"), QStringLiteral("0x1")},
                                    {QStringLiteral("gas"), text(21'000)},
-                                   {QStringLiteral("maxPriorityFeePerGas"), text(fee)},
-                                   {QStringLiteral("maxFeePerGas"), text(baseFee + fee)}};
+                                   {QStringLiteral("maxPriorityFeePerGas"), text(priorityFees[i])},
+                                   {QStringLiteral("maxFeePerGas"), text(baseFee + priorityFees[i])}};
         call(QStringLiteral("eth_sendTransaction"), {transfer});
     }
     call(QStringLiteral("evm_mine"));

@@ -23,7 +23,7 @@ public:
     /// Asks the node behind its back, without TLS; ends the program when it answers with an error.
     QJsonValue call(const QString& method, const QJsonArray& parameters = {}) const;
 
-    /// Makes a block with this base fee that holds one transfer for each priority fee, all in wei.
+    /// Makes a block with this base fee that holds one transfer for each of at most ten priority fees, all in wei.
     void mine(quint64 baseFee, const QList<quint64>& priorityFees);
 
 private:
