@@ -18,8 +18,8 @@ std::chrono::milliseconds timerInterval(double seconds) {
     return std::chrono::milliseconds(ms < longestMs ? std::lround(ms) : std::numeric_limits<int>::max());
 }
 
-/// A coarse timer moves by at most 5 % of its interval, a very coarse one to whole seconds: the widest that stays within
-/// the tolerance is taken.
+/// A coarse timer moves by at most 5 % of its interval, a very coarse one to whole seconds: the widest that stays
+/// within the tolerance is taken.
 Qt::TimerType timerType(double interval, double tolerance) {
     if (tolerance >= 1 && interval >= 20)
         return Qt::VeryCoarseTimer;
