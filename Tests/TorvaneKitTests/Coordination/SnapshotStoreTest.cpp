@@ -224,8 +224,8 @@ private Q_SLOTS:
         QTest::newRow("not JSON") << StandInAnswer::ok("<html>maintenance</html>");
         QTest::newRow("without staking") << StandInAnswer::ok(QByteArray(good).replace("\"staking\"", "\"stacking\""));
         QTest::newRow("a price in words") << StandInAnswer::ok(QByteArray(good).replace("\"eth\":", "\"eth\":\"x\"+"));
-        QTest::newRow("cut in the middle") << StandInAnswer::ok(good).cutShort(good.size() / 2,
-                                                                               StandInAnswer::Ending::abruptClose);
+        QTest::newRow("cut in the middle")
+            << StandInAnswer::ok(good).cutShort(good.size() / 2, StandInAnswer::Ending::abruptClose);
         QTest::newRow("reset") << StandInAnswer::ok(good).cutShort(100, StandInAnswer::Ending::reset);
         QTest::newRow("endless") << StandInAnswer::endlessBody();
         QTest::newRow("redirected off HTTPS") << StandInAnswer::redirect(302, "http://localhost/snapshot.json");
