@@ -27,8 +27,6 @@ QSslConfiguration configuration(const QString& certificate) {
     tls.setLocalCertificateChain(chain);
     tls.setPrivateKey(keyBeside(certificate));
     tls.setPeerVerifyMode(QSslSocket::VerifyNone); // Clients need not prove who they are.
-    // Offered first, so that a client that wanted HTTP/2 would get it, and fail here.
-    tls.setAllowedNextProtocols({QByteArrayLiteral("h2"), QByteArrayLiteral("http/1.1")});
     return tls;
 }
 
@@ -56,6 +54,12 @@ StandInServer::~StandInServer() {
 
 QString StandInServer::certificatePath(const char* name) {
     return QStringLiteral(TORVANE_TEST_CERTIFICATES "/") + QLatin1String(name) + QLatin1String(".pem");
+}
+
+void StandInServer::offer(const QList<QByteArray>& protocols) {
+    QSslConfiguration tls = m_listener.sslConfiguration();
+    tls.setAllowedNextProtocols(protocols);
+    m_listener.setSslConfiguration(tls);
 }
 
 void StandInServer::on(const QByteArray& path, Handler handler) {
