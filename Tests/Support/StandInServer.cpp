@@ -52,9 +52,13 @@ QSslConfiguration StandInServer::tlsConfiguration(const QString& certificate) {
     tls.setLocalCertificateChain(chain);
     tls.setPrivateKey(keyBeside(certificate));
     tls.setPeerVerifyMode(QSslSocket::VerifyNone); // Clients need not prove who they are.
-    // Offered first, so that a client that wanted HTTP/2 would get it, and fail here.
-    tls.setAllowedNextProtocols({QByteArrayLiteral("h2"), QByteArrayLiteral("http/1.1")});
     return tls;
+}
+
+void StandInServer::offer(const QList<QByteArray>& protocols) {
+    QSslConfiguration tls = m_listener.sslConfiguration();
+    tls.setAllowedNextProtocols(protocols);
+    m_listener.setSslConfiguration(tls);
 }
 
 void StandInServer::on(const QByteArray& path, Handler handler) {

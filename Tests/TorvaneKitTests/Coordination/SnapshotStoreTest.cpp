@@ -254,6 +254,15 @@ private Q_SLOTS:
         QCOMPARE(m_store->snapshot.value()->generatedAt, document(2).generatedAt);
     }
 
+    void aBodyThatMakesNoSenseIsNotAskedToBeConfirmed() {
+        m_relay->on("/snapshot.json", StandInAnswer::ok("{").header("ETag", "\"a\""));
+        openStore();
+        refresh();
+        refresh();
+        QCOMPARE(m_relay->requests().size(), 2);
+        QVERIFY(m_relay->requests().last().header("If-None-Match").isNull());
+    }
+
     void oneFetchRunsAtATime() {
         m_relay->on("/snapshot.json", StandInAnswer::raw({})); // Never answered.
         openStore();
