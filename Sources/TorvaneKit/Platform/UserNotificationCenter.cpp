@@ -58,6 +58,8 @@ void UserNotificationCenter::post(const UserNotification& notification) const {
 
 /// Asked for each notification: they are rare, and services come and go and are exchanged while a session lasts.
 void UserNotificationCenter::askThenNotify(const UserNotification& notification) const {
+    if (!m_bus.isConnected())
+        return; // Such a call never ends, and its watcher would stay.
     const QDBusPendingCall capabilities = m_bus.asyncCall(desktopCall(u"GetCapabilities"_s));
     auto* watcher = new QDBusPendingCallWatcher(capabilities, QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [center = *this, notification, watcher] {
