@@ -28,8 +28,7 @@ QString escaped(QString text) {
 
 /// A service that does not answer, or not as it should, has announced nothing.
 bool announcesMarkup(const QDBusPendingCall& capabilities) {
-    const QDBusPendingReply<QStringList> reply = capabilities;
-    return reply.isValid() && reply.value().contains("body-markup"_L1);
+    return QDBusPendingReply<QStringList>(capabilities).value().contains("body-markup"_L1);
 }
 
 } // namespace
