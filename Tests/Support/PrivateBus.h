@@ -17,6 +17,9 @@ public:
 
     void close(const QDBusConnection& connection);
 
+    /// Where to connect, for a process that is to take this bus for its session's.
+    QString address() const { return m_address; }
+
 private:
     QTemporaryDir m_folder;
     QProcess m_daemon;
