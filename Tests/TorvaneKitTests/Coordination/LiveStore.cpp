@@ -39,8 +39,11 @@ QDateTime LiveStore::documentTime() {
     return QDateTime::fromSecsSinceEpoch(firstSecond - 100, Qt::UTC);
 }
 
-Snapshot LiveStore::document() const {
+Snapshot LiveStore::document(std::optional<double> baseBlockTime) const {
     Snapshot snapshot = SimulatedMarket::at(documentTime());
+    snapshot.gas.baseFee = 99;
+    snapshot.l2[2].costGwei = 88;
+    snapshot.l2[2].blockTimeSec = baseBlockTime;
     for (L2Entry& network : snapshot.l2)
         network.rpc = {server.url(QLatin1Char('/') + network.name.toLower()).toString()};
     return snapshot;
@@ -93,13 +96,20 @@ void LiveStore::poll(qsizetype timer) {
     QTRY_COMPARE_WITH_TIMEOUT(published, before + 1, 30'000);
 }
 
-qsizetype LiveStore::requestsFor(const QByteArray& path) const {
-    return std::count_if(server.requests().cbegin(), server.requests().cend(),
-                         [&path](const StandInRequest& request) { return request.target == path; });
+QByteArrayList LiveStore::targets() const {
+    QByteArrayList result;
+    for (const StandInRequest& request : server.requests())
+        result.append(request.target);
+    return result;
+}
+
+void LiveStore::shutNodesOff() {
+    server.on("/ethereum", StandInAnswer::status(503));
+    server.on("/base", StandInAnswer::status(503));
 }
 
 std::optional<double> LiveStore::baseCost() const {
-    const QList<L2Entry>& networks = store->snapshot.value()->l2;
+    const QList<L2Entry>& networks = shown().l2;
     const auto base = std::find_if(networks.cbegin(), networks.cend(),
                                    [](const L2Entry& entry) { return entry.name == QLatin1String("Base"); });
     return base == networks.cend() ? std::nullopt : base->costGwei;

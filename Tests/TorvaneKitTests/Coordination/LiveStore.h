@@ -8,6 +8,7 @@
 #include "Support/StandInServer.h"
 #include "Support/TestConfig.h"
 
+#include <QByteArrayList>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -25,8 +26,9 @@ public:
     /// When the relay's document was made, a hundred seconds before the clock's first time.
     static QDateTime documentTime();
 
-    /// The relay's document, with an endpoint for each network.
-    Snapshot document() const;
+    /// The relay's document, unlike all that nodes answer: Ethereum's base fee is 99 gwei, the gas price of "Base" 88.
+    /// Each network has an endpoint.
+    Snapshot document(std::optional<double> baseBlockTime = 2) const;
 
     void serve(const Snapshot& snapshot);
 
@@ -53,7 +55,17 @@ public:
 
     void refresh() { await(store->refresh()); }
 
-    qsizetype requestsFor(const QByteArray& path) const;
+    /// The paths asked for since the requests were cleared, in order.
+    QByteArrayList targets() const;
+    qsizetype requestsFor(const QByteArray& path) const { return targets().count(path); }
+
+    /// From now on the nodes refuse.
+    void shutNodesOff();
+
+    /// What is published.
+    const Snapshot& shown() const { return *store->snapshot.value(); }
+    std::optional<quint64> block() const { return store->ethereumBlockNumber; }
+    QDateTime lastUpdated() const { return store->lastUpdated.value().value_or(QDateTime()); }
 
     /// The published figure of the network "Base".
     std::optional<double> baseCost() const;
