@@ -139,6 +139,7 @@ private Q_SLOTS:
         QCOMPARE(m_live->requestsFor("/ethereum"), 1);
         QCOMPARE(m_live->requestsFor("/base"), 1);
         const int published = m_live->published;
+        m_live->shutNodesOff(); // A connection that dies before an answer is tried once more.
         m_live->server.closeConnections(StandInAnswer::Ending::reset);
         QTRY_COMPARE_WITH_TIMEOUT(m_live->published, published + 2, 30'000);
         m_live->server.on("/ethereum", StandInAnswer::ok(feeHistoryAt(5'000'000'000)));
@@ -218,6 +219,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_live->baseCost(), std::optional(1.0), 30'000);
         QTRY_COMPARE_WITH_TIMEOUT(m_live->requestsFor("/ethereum"), 1, 30'000);
         QVERIFY(!refresh.isDone());
+        m_live->shutNodesOff(); // A connection that dies before an answer is tried once more.
         m_live->server.closeConnections(StandInAnswer::Ending::reset);
         QTRY_VERIFY_WITH_TIMEOUT(refresh.isDone(), 30'000);
     }
