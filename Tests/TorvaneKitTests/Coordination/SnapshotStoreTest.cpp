@@ -324,13 +324,13 @@ private Q_SLOTS:
         const auto open = qScopeGuard([gate] { gate->release(); });
         const Task<> task = m_store->refresh();
         task.start();
-        QTRY_COMPARE(log.lines().size(), 1); // The body is there.
+        QTRY_COMPARE_WITH_TIMEOUT(log.lines().size(), 1, 30'000); // The body is there.
         int turns = 0;
         const RepeatingTimer loop(this, 0.001, 0, [&] { ++turns; });
-        QTRY_VERIFY(turns >= 20);
+        QTRY_VERIFY_WITH_TIMEOUT(turns >= 20, 30'000);
         QVERIFY(!task.isDone() && !m_store->snapshot.value());
         gate->release();
-        QTRY_VERIFY(task.isDone());
+        QTRY_VERIFY_WITH_TIMEOUT(task.isDone(), 30'000);
         QVERIFY(m_store->snapshot.value());
     }
 
