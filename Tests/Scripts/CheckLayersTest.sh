@@ -152,7 +152,7 @@ everyFaultIsReported() {
 lowerFoldersMayBeIncluded() {
     source_file TorvaneKit/Support/JSON.h '#include <QByteArray>' '#include <optional>'
     source_file TorvaneKit/Model/Snapshot.h '#include "Support/JSON.h"' '#include "Model/GasLevel.h"'
-    source_file TorvaneKit/Config/Config.cpp '#include "Model/Config.h"'
+    source_file TorvaneKit/Config/Config.cpp '#include "Model/Config.h"' '#include "Support/BaseDirectory.h"'
     source_file TorvaneKit/Chain/NetworkClient.cpp '#include "Model/Config.h"' '#include <curl/curl.h>'
     source_file TorvaneKit/Coordination/Store.cpp '#include "Platform/ColorScheme.h"' '#include "Chain/NetworkClient.h"'
     source_file TorvaneKit/Views/Badge.cpp '#include "Coordination/Store.h"' '#include "Design/Symbols.h"'

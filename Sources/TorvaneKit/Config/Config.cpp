@@ -1,7 +1,8 @@
 #include "Model/Config.h"
 
+#include "Support/BaseDirectory.h"
+
 #include <QDir>
-#include <QStandardPaths>
 
 namespace torvane::Config {
 
@@ -49,8 +50,7 @@ const QStringList& ethereumRPCURLs() {
 
 const QString& trustAnchorPath() {
     static const QString path =
-        QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/velisk"))
-            .absoluteFilePath(QStringLiteral(TORVANE_TRUST_ANCHOR));
+        QDir(BaseDirectory::data() + QStringLiteral("/velisk")).absoluteFilePath(QStringLiteral(TORVANE_TRUST_ANCHOR));
     return path;
 }
 

@@ -8,8 +8,8 @@
 #include <optional>
 #include <tuple>
 
-/// The relay's document and its records. Gas in gwei, money in US dollars, shares and changes in percent, all as the
-/// relay sends them. A change is a new value; copies share their texts and lists.
+/// The relay's document and its records. Gas in gwei, money in US dollars, changes and spreads in percent; all of it,
+/// shares too, as the relay sends it. A change is a new value; copies share their texts and lists.
 namespace torvane {
 
 /// Price of ether.
@@ -33,7 +33,7 @@ struct GasData {
     double low;
     double avg;
     double high;
-    QList<double> history; ///< base fees of the last 24 hours, oldest first
+    QList<double> history; ///< base fees of the last 24 hours, in the order drawn, left to right
     std::optional<double> feeTransferUsd;
     std::optional<double> feeSwapUsd;
 
@@ -58,7 +58,7 @@ struct L2Entry {
     std::optional<double> txCount;
     std::optional<double> dailyActiveAddresses;
     std::optional<double> tvlUsd;
-    std::optional<QList<double>> history; ///< gas, oldest first
+    std::optional<QList<double>> history; ///< gas, in the order drawn, left to right
     std::optional<double> historyWindowMinutes;
     std::optional<QList<QString>> rpc; ///< JSON-RPC endpoints, the preferred one first
     std::optional<double> blockTimeSec;

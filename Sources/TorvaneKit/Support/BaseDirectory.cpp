@@ -39,4 +39,8 @@ QString cache() {
     return directory("XDG_CACHE_HOME", QLatin1StringView("/.cache"));
 }
 
+QString data() {
+    return directory("XDG_DATA_HOME", QLatin1StringView("/.local/share"));
+}
+
 } // namespace torvane::BaseDirectory

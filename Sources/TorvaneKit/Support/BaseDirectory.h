@@ -8,5 +8,6 @@ namespace torvane::BaseDirectory {
 
 QString config(); ///< $XDG_CONFIG_HOME, ~/.config
 QString cache();  ///< $XDG_CACHE_HOME, ~/.cache
+QString data();   ///< $XDG_DATA_HOME, ~/.local/share
 
 } // namespace torvane::BaseDirectory

@@ -3,12 +3,15 @@
 #include "Model/Config.h"
 #include "Support/Clock.h"
 #include "Support/JSON.h"
+#include "Support/LogLines.h"
 #include "Support/SimulatedMarket.h"
 #include "Support/StandInServer.h"
 #include "Support/TestConfig.h"
 
 #include <QFile>
 #include <QLoggingCategory>
+#include <QScopeGuard>
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -312,6 +315,27 @@ private Q_SLOTS:
         refresh();
         QCOMPARE(m_relay->requests().size(), 2);
         QCOMPARE(m_relay->requests().last().header("If-None-Match"), QByteArray("\"a\""));
+    }
+
+    void aBodyIsDecodedOnTheWorkerWhileTheMainThreadGoesOn() {
+        serve(document());
+        openStore();
+        QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=true"));
+        const auto silenceAgain = qScopeGuard([this] { initTestCase(); });
+        const LogLines log("org.velisk.Torvane.net");
+        const auto gate = std::make_shared<QSemaphore>();
+        worker().start([gate] { gate->acquire(); });
+        const auto open = qScopeGuard([gate] { gate->release(); });
+        const Task<> task = m_store->refresh();
+        task.start();
+        QTRY_COMPARE_WITH_TIMEOUT(log.lines().size(), 1, 30'000); // The body is there.
+        int turns = 0;
+        const RepeatingTimer loop(this, 0.001, 0, [&] { ++turns; });
+        QTRY_VERIFY_WITH_TIMEOUT(turns >= 20, 30'000);
+        QVERIFY(!task.isDone() && !m_store->snapshot.value());
+        gate->release();
+        QTRY_VERIFY_WITH_TIMEOUT(task.isDone(), 30'000);
+        QVERIFY(m_store->snapshot.value());
     }
 
     void theRequestIsAGetOfTheDocument() {

@@ -153,7 +153,7 @@ private Q_SLOTS:
         QString result;
         scope.run(store(QStringLiteral("a"), result));
         QVERIFY(result.isEmpty()); // Starting does not block.
-        QTRY_COMPARE(result, QStringLiteral("a!a!"));
+        QTRY_COMPARE_WITH_TIMEOUT(result, QStringLiteral("a!a!"), 30'000);
     }
 
     void anErrorArrivesAsItWasThrownAndOnTheMainThread() {
@@ -161,7 +161,7 @@ private Q_SLOTS:
         int code = 0;
         QThread* thread = nullptr;
         scope.run(noteFailure(code, thread));
-        QTRY_COMPARE(code, 7);
+        QTRY_COMPARE_WITH_TIMEOUT(code, 7, 30'000);
         QCOMPARE(thread, QThread::currentThread());
     }
 
@@ -188,7 +188,7 @@ private Q_SLOTS:
         bool resumed = false;
         owner->scope.run(awaitEndingOwner(owner, alive, resumed));
         QCOMPARE(alive, 2);
-        QTRY_VERIFY(!owner);
+        QTRY_VERIFY_WITH_TIMEOUT(!owner, 30'000);
         QCOMPARE(alive, 0);
         worker().waitForDone();
         QCoreApplication::processEvents();
