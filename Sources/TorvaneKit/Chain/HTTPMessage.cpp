@@ -40,9 +40,11 @@ QByteArray headerValue(const HeaderFields& fields, QByteArrayView name) {
 HeaderFields parseHead(const QByteArray& head) {
     HeaderFields fields;
     for (const QByteArray& line : head.split('\n')) {
+        if (line.trimmed().isEmpty())
+            break;
         const qsizetype colon = line.indexOf(':');
         if (colon <= 0 || !isToken(line.first(colon)))
-            continue; // The status line, the empty last one, and what is no field.
+            continue; // The status line, and what is no field.
         fields.append({line.first(colon), line.sliced(colon + 1).trimmed()});
     }
     return fields;

@@ -25,6 +25,7 @@ struct Hop final {
     std::chrono::milliseconds idleLimit;
     QDeadlineTimer deadline;
     qsizetype bodyLimit; // bytes, after decoding
+    QUrl askedFor{};     // the address that the caller named, before any redirect
 };
 
 /// One server's answer, its body decoded.
@@ -34,7 +35,8 @@ struct Answer final {
     QByteArray body;
 };
 
-/// The fields of a head: lines ended by CR LF, the status line first.
+/// The fields of a head: lines ended by CR LF, the status line first. What follows the empty line is left out: those
+/// are trailers, which must not pass for fields of the head (RFC 9110, 6.5.1).
 HeaderFields parseHead(const QByteArray& head);
 
 /// Whether method and headers can be sent as they are: tokens, and no line breaks that would smuggle in other lines.

@@ -32,7 +32,8 @@ Hop firstHop(const Request& request) {
             .headers = headers,
             .idleLimit = request.timeout,
             .deadline = QDeadlineTimer(NetworkLimits::totalDeadline),
-            .bodyLimit = request.bodyLimit};
+            .bodyLimit = request.bodyLimit,
+            .askedFor = request.url};
 }
 
 void requireSendable(const Hop& hop) {
@@ -111,7 +112,7 @@ Task<QByteArray> NetworkClient::request(Request request) {
 }
 
 void NetworkClient::forget(const QUrl& url) {
-    cache().invalidate(url);
+    cache().forget(url);
 }
 
 void NetworkClient::dropPooledConnections() {

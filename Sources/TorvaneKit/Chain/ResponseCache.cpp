@@ -107,21 +107,26 @@ std::optional<RememberedAnswer> ResponseCache::find(const Hop& hop) {
     if (found == m_answers.end())
         return std::nullopt;
     std::rotate(found, found + 1, m_answers.end());
+    m_answers.last().askedFor = hop.askedFor;
     return m_answers.last();
 }
 
 Answer ResponseCache::settle(const Hop& hop, const std::optional<RememberedAnswer>& remembered, const Answer& answer,
                              const QDateTime& askedAt, const QDateTime& now) {
-    if (answer.status == 304 && remembered)
+    if (answer.status == 304 && remembered && !conditions(*remembered).isEmpty())
         return renew(*remembered, answer, askedAt, now);
     if (answer.status != 200)
         return answer;
-    const RememberedAnswer fresh{
-        .key = keyOf(hop), .url = hop.url, .answer = answer, .askedAt = askedAt, .answeredAt = now};
+    const RememberedAnswer fresh{.key = keyOf(hop),
+                                 .url = hop.url,
+                                 .askedFor = hop.askedFor,
+                                 .answer = answer,
+                                 .askedAt = askedAt,
+                                 .answeredAt = now};
     if (mayBeRemembered(answer))
         remember(fresh);
     else
-        forget(fresh.key);
+        drop(fresh.key);
     return answer;
 }
 
@@ -129,7 +134,7 @@ Answer ResponseCache::renew(RememberedAnswer remembered, const Answer& notModifi
                             const QDateTime& now) {
     const QByteArray tag = opaqueTag(notModified);
     if (!tag.isEmpty() && tag != opaqueTag(remembered.answer)) {
-        forget(remembered.key); // It confirms something else than we asked about; next time we ask for the whole.
+        drop(remembered.key); // It confirms something else than we asked about; next time we ask for the whole.
         return notModified;
     }
     // An age is that of one answer: without one, the 304 comes from the origin itself.
@@ -142,7 +147,7 @@ Answer ResponseCache::renew(RememberedAnswer remembered, const Answer& notModifi
     if (mayBeRemembered(remembered.answer))
         remember(remembered);
     else
-        forget(remembered.key);
+        drop(remembered.key);
     return remembered.answer;
 }
 
@@ -151,7 +156,7 @@ void ResponseCache::remember(const RememberedAnswer& fresh) {
                                       [&](const RememberedAnswer& each) { return each.key == fresh.key; });
     if (earlier != m_answers.cend() && earlier->askedAt > fresh.askedAt && earlier->askedAt <= fresh.answeredAt)
         return; // Two requests overtook each other: the later question has the newer answer.
-    forget(fresh.key);
+    drop(fresh.key);
     if (fresh.answer.body.size() > m_mostBytes)
         return; // It would drive out all others and not stay itself.
     m_answers.append(fresh);
@@ -162,8 +167,12 @@ void ResponseCache::remember(const RememberedAnswer& fresh) {
         bytes -= m_answers.takeFirst().answer.body.size();
 }
 
-void ResponseCache::forget(const QByteArray& key) {
+void ResponseCache::drop(const QByteArray& key) {
     m_answers.removeIf([&](const RememberedAnswer& each) { return each.key == key; });
+}
+
+void ResponseCache::forget(const QUrl& askedFor) {
+    m_answers.removeIf([&](const RememberedAnswer& each) { return each.askedFor == askedFor; });
 }
 
 void ResponseCache::invalidate(const QUrl& url) {

@@ -12,6 +12,7 @@ namespace torvane {
 struct RememberedAnswer final {
     QByteArray key;
     QUrl url;
+    QUrl askedFor; // the address whose caller last had it: another one where redirects lie between
     Answer answer;
     QDateTime askedAt;
     QDateTime answeredAt;
@@ -39,6 +40,9 @@ public:
     Answer settle(const Hop& hop, const std::optional<RememberedAnswer>& remembered, const Answer& answer,
                   const QDateTime& askedAt, const QDateTime& now);
 
+    /// Drops what callers were given for this address, whichever server it came from.
+    void forget(const QUrl& askedFor);
+
     /// A write to an address makes what is remembered of it doubtful (RFC 9111, 4.4).
     void invalidate(const QUrl& url);
 
@@ -46,7 +50,7 @@ private:
     Answer renew(RememberedAnswer remembered, const Answer& notModified, const QDateTime& askedAt,
                  const QDateTime& now);
     void remember(const RememberedAnswer& fresh);
-    void forget(const QByteArray& key);
+    void drop(const QByteArray& key);
 
     qsizetype m_mostAnswers;
     qsizetype m_mostBytes;

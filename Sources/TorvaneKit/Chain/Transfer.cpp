@@ -44,13 +44,13 @@ void Transfer::setUp() {
     // A resolver that never answers must not be waited for: by default its thread is joined when a transfer is removed,
     // with the main loop frozen meanwhile.
     set(CURLOPT_QUICK_EXIT, 1L);
-    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_NOSIGNAL, 1L); // libcurl then no longer guards against SIGPIPE: the program ignores it from its start.
     set(CURLOPT_PROTOCOLS_STR, "https");
     set(CURLOPT_FOLLOWLOCATION, 0L); // Each hop has trust of its own.
     // A time-out closes an HTTP/1.1 connection. An HTTP/2 one that died silently would stay and fail every later
     // request.
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    set(CURLOPT_ACCEPT_ENCODING, "gzip");
+    set(CURLOPT_ACCEPT_ENCODING, "gzip"); // "" would offer all that libcurl was built with: more decoders to attack.
     set(CURLOPT_WRITEFUNCTION, &Transfer::received);
     set(CURLOPT_WRITEDATA, static_cast<void*>(this));
     set(CURLOPT_HEADERFUNCTION, &Transfer::receivedHead);

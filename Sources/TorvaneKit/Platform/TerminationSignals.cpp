@@ -3,6 +3,7 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -17,9 +18,11 @@ constexpr std::array handledSignals{SIGTERM, SIGINT};
 std::array<int, 2> g_pipe{-1, -1};
 
 void forward(int) {
+    const int before = errno; // That of whatever was interrupted.
     const char byte = 1;
     // A full pipe already wakes the loop, and a handler can do nothing about any other failure.
     [[maybe_unused]] const ssize_t written = write(g_pipe[1], &byte, 1);
+    errno = before;
 }
 
 void handleWith(void (*handler)(int)) {

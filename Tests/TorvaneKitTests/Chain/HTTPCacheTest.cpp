@@ -237,6 +237,24 @@ private Q_SLOTS:
         QVERIFY(last().header("If-None-Match").isNull());
     }
 
+    void aConfirmationThatNobodyAskedForIsAFailure() {
+        serve("one", "max-age=60", {});
+        QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"one\""));
+        pass(60);
+        m_server.on(m_path, StandInAnswer::status(304));
+        QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("http 304"));
+    }
+
+    void trailersAreNoHeaders() {
+        const QByteArray bytes = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n"
+                                 "Cache-Control: max-age=60\r\nETag: \"1\"\r\n\r\n";
+        m_server.on(m_path, StandInAnswer::raw(bytes).cutShortInHead(bytes.size(), StandInAnswer::Ending::closeNotify));
+        QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"x\""));
+        QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"x\""));
+        QCOMPARE(asked(), 2);
+        QVERIFY(last().header("If-None-Match").isNull());
+    }
+
     void aConfirmationMayNameTheTagWithoutItsWeakness() {
         m_server.on(m_path, StandInAnswer::ok("one").gzipped().header("ETag", "W/\"1\""));
         QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"one\""));
@@ -276,6 +294,19 @@ private Q_SLOTS:
         QCOMPARE(asked(), 4);
         QCOMPARE(last().header("If-None-Match"), QByteArray("\"1\""));
         QVERIFY(m_server.requests().at(2).header("If-None-Match").isNull());
+    }
+
+    void whatARedirectLedToIsForgottenWithTheAddressAskedFor() {
+        serve("one", "max-age=60", "\"1\"");
+        const QByteArray from = m_path + "/old";
+        m_server.on(from, StandInAnswer::redirect(302, m_path));
+        const QUrl old = m_server.url(QString::fromLatin1(from));
+        QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"one\""));
+        QCOMPARE(Fetch::outcomeOf(old), QStringLiteral("\"one\""));
+        NetworkClient::forget(old);
+        QCOMPARE(Fetch::outcomeOf(old), QStringLiteral("\"one\""));
+        QCOMPARE(asked(), 4);
+        QVERIFY(last().header("If-None-Match").isNull());
     }
 
     void theAnswersUsedLongestAgoAreForgottenFirst() {

@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cerrno>
 #include <csignal>
 
 using namespace torvane;
@@ -24,6 +25,15 @@ private Q_SLOTS:
         std::raise(number);
         QCOMPARE(received.size(), 0); // Never inside the handler.
         QTRY_COMPARE(received.size(), 1);
+    }
+
+    void whatIsInterruptedKeepsItsErrorNumber() {
+        TerminationSignals signals_;
+        errno = 0;
+        constexpr int moreThanAPipeHolds = 1 << 17;
+        for (int i = 0; i < moreThanAPipeHolds && errno == 0; ++i)
+            std::raise(SIGTERM);
+        QCOMPARE(errno, 0);
     }
 
     void theDefaultActionComesBackWithItsEnd() {
