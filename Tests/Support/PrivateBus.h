@@ -17,6 +17,9 @@ public:
 
     void close(const QDBusConnection& connection);
 
+    /// Where other processes find it. Empty when the daemon did not start.
+    const QString& address() const { return m_address; }
+
 private:
     QTemporaryDir m_folder;
     QProcess m_daemon;
