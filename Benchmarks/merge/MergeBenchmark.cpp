@@ -1,0 +1,112 @@
+// What a merge costs on a market of 10,000 networks with 288 points each, beside a copy of all that it holds: plain
+// strings and vectors, copied one by one, with the same figures laid over. Rounds alternate between the two; medians
+// count. MergeBenchmark [ROUNDS]   exits with 1 where the bar is missed, with 2 where a figure is wrong
+#include "Chain/SnapshotMerge.h"
+#include "Comparison.h"
+
+#include <QByteArray>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
+using namespace torvane;
+
+namespace {
+
+constexpr int networks = 10000;
+constexpr int points = 288;
+constexpr double followedPrice = 7; // gwei
+
+QString name(int index) {
+    return QStringLiteral("Network ") + QLatin1StringView(QByteArray::number(100000 + index));
+}
+
+Snapshot market() {
+    Snapshot snapshot{QStringLiteral("2026-01-01T00:00:00Z"), {}, {}, {}, {}};
+    snapshot.price.eth = 3000;
+    snapshot.gas.history = QList<double>(points, 1.5);
+    for (int i = 0; i < networks; ++i) {
+        L2Entry entry{};
+        entry.name = name(i);
+        entry.tag = QStringLiteral("NET");
+        entry.status = QStringLiteral("Normal");
+        entry.costGwei = 0.1;
+        entry.history = QList<double>(points, 0.1 + i);
+        entry.rpc = {QStringLiteral("https://rpc.example/") + entry.name, QStringLiteral("https://fallback.example/")};
+        snapshot.l2.append(entry);
+    }
+    return snapshot;
+}
+
+/// A network whose copy is a copy.
+struct PlainNetwork {
+    std::string name;
+    std::string tag;
+    std::string status;
+    std::optional<double> costGwei;
+    std::vector<double> history;
+    std::vector<std::string> rpc;
+};
+
+std::vector<PlainNetwork> plain(const Snapshot& snapshot) {
+    std::vector<PlainNetwork> result;
+    for (const L2Entry& entry : snapshot.l2) {
+        PlainNetwork network{
+            entry.name.toStdString(), entry.tag.toStdString(), entry.status.toStdString(), entry.costGwei, {}, {}};
+        network.history.assign(entry.history->cbegin(), entry.history->cend());
+        for (const QString& endpoint : *entry.rpc)
+            network.rpc.push_back(endpoint.toStdString());
+        result.push_back(std::move(network));
+    }
+    return result;
+}
+
+double copyAndMerge(const std::vector<PlainNetwork>& source, const std::string& followed) {
+    std::vector<PlainNetwork> copy = source;
+    for (PlainNetwork& network : copy) {
+        if (network.name == followed)
+            network.costGwei = followedPrice;
+    }
+    return *copy[networks / 2].costGwei + copy.front().history.back();
+}
+
+double mergeOurs(const Snapshot& source, const QList<LiveL2Quote>& quotes) {
+    const LiveGasQuote ethereum{1, 2, 3, 4, 5};
+    const Snapshot merged = mergeSnapshot(source, ethereum, quotes);
+    return *merged.l2[networks / 2].costGwei + merged.l2.first().history->last();
+}
+
+/// Milliseconds that a call takes. What it returns is checked, so that nothing is optimised away.
+template <class Work>
+double timed(const Work& work, double expected) {
+    const auto start = std::chrono::steady_clock::now();
+    const double result = work();
+    const auto end = std::chrono::steady_clock::now();
+    if (result != expected) {
+        std::fprintf(stderr, "A merge brought %g instead of %g\n", result, expected);
+        std::exit(2);
+    }
+    return std::chrono::duration<double, std::milli>(end - start).count();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 41;
+    const Snapshot source = market();
+    const std::vector<PlainNetwork> copied = plain(source);
+    const QList<LiveL2Quote> oneQuote{{name(networks / 2), followedPrice}};
+    const std::string followed = oneQuote.first().name.toStdString();
+    std::vector<double> ours;
+    std::vector<double> yardstick;
+    for (int round = 0; round < rounds; ++round) {
+        ours.push_back(timed([&] { return mergeOurs(source, oneQuote); }, followedPrice + 0.1));
+        yardstick.push_back(timed([&] { return copyAndMerge(copied, followed); }, followedPrice + 0.1));
+    }
+    std::printf("A merge, medians of %d rounds\n", rounds);
+    Comparison::printHead();
+    const Comparison merge{"10,000 networks x 288 points, two quotes", "ms", median(ours), median(yardstick), 0.05};
+    merge.print();
+    return merge.isMet() ? 0 : 1;
+}
