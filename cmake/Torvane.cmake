@@ -10,6 +10,10 @@ if(TORVANE_SANITIZE)
     if(TORVANE_SANITIZE MATCHES "undefined")
         # A finding ends the program: a test that only prints it would pass.
         target_compile_options(TorvaneOptions INTERFACE -fno-sanitize-recover=all)
+        if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+            target_compile_options(TorvaneOptions INTERFACE
+                "-fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/sanitizer-ignorelist.txt")
+        endif()
     endif()
 endif()
 

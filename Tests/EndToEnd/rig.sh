@@ -1,42 +1,59 @@
+# shellcheck shell=bash
 # A desktop for tests: an X server without a screen, a session bus, a window manager and a real xfce panel, all of their
 # own and with folders of their own. Source it, call `rig_enter "$@"` first, and the rest of the script runs inside.
 #
 # RIG_LIMIT         seconds that a condition may take (60)
 # RIG_PANEL_SIZE    height of the panel in pixels (32)
 # RIG_PANEL_DARK    true or false (true)
+# RIG_ICON_SIZE     size of the tray's icons, 0 for what the panel's height allows (22, as the panel has it)
 # RIG_ITEM_ID       the Id of the item under test (org.velisk.Torvane)
+# RIG_PREPARE       a file that is sourced inside before the script goes on: it starts or lays down what the program
+#                   under test needs besides; its background jobs end with the script
+# RIG_KEEP          a file for a picture of the screen at a failure
 
 set -euo pipefail
 
-: "${RIG_LIMIT:=60}" "${RIG_PANEL_SIZE:=32}" "${RIG_PANEL_DARK:=true}" "${RIG_ITEM_ID:=org.velisk.Torvane}"
+: "${RIG_LIMIT:=60}" "${RIG_PANEL_SIZE:=32}" "${RIG_PANEL_DARK:=true}" "${RIG_ICON_SIZE:=22}"
+: "${RIG_ITEM_ID:=org.velisk.Torvane}"
 rig_source=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 # Starts everything around the script and runs it again inside; returns only there. Services of the bus inherit the bus's
 # environment, so that all of it has to be exported before the bus starts: later, they would use the real home.
 rig_enter() {
     if [ -n "${RIG:-}" ]; then
-        trap rig_leave EXIT
-        openbox >"$RIG/log/openbox" 2>&1 &
-        rig_wait "the window manager" rig_has_window_manager
+        rig_furnish
         return
     fi
     RIG=$(mktemp -d)
+    trap 'rm -rf "$RIG"' EXIT
     local -r xfconf=$RIG/config/xfce4/xfconf/xfce-perchannel-xml
     mkdir -p "$xfconf" "$RIG"/{cache,data,home,run,log}
     chmod 700 "$RIG/run"
-    sed "s/@SIZE@/$RIG_PANEL_SIZE/; s/@DARK@/$RIG_PANEL_DARK/" "$rig_source/xfce4-panel.xml" >"$xfconf/xfce4-panel.xml"
+    sed "s/@SIZE@/$RIG_PANEL_SIZE/; s/@DARK@/$RIG_PANEL_DARK/; s/@ICON_SIZE@/$RIG_ICON_SIZE/" \
+        "$rig_source/xfce4-panel.xml" >"$xfconf/xfce4-panel.xml"
     export RIG HOME=$RIG/home XDG_CONFIG_HOME=$RIG/config XDG_CACHE_HOME=$RIG/cache XDG_DATA_HOME=$RIG/data \
         XDG_RUNTIME_DIR=$RIG/run XDG_CURRENT_DESKTOP=XFCE LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
+    # The keyboard library of X hands strndup bytes without an end, rightly, but the strict check takes it for an error.
+    export ASAN_OPTIONS=${ASAN_OPTIONS:-}:strict_string_checks=0
     unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
     Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$RIG/display" 2>"$RIG/log/xvfb" &
-    local -r server=$!
+    server=$!
+    trap 'kill "$server"; wait "$server" || true; rm -rf "$RIG"' EXIT
     # The display's number is complete with its line's end.
     rig_wait "the X server" grep -q . "$RIG/display"
     local result=0
     DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 900 dbus-run-session -- "$0" "$@" || result=$?
-    kill "$server" && wait "$server" || true
-    rm -rf "$RIG"
     exit "$result"
+}
+
+rig_furnish() {
+    trap rig_leave EXIT
+    openbox >"$RIG/log/openbox" 2>&1 &
+    rig_wait "the window manager" rig_has_window_manager
+    if [ -n "${RIG_PREPARE:-}" ]; then
+        # shellcheck source=/dev/null
+        source "$RIG_PREPARE"
+    fi
 }
 
 # On a failure, what the programs said is all there is to learn from.
@@ -105,7 +122,7 @@ panel_start() {
 # panel_stop SIGNAL
 panel_stop() {
     kill -"$1" "$panel"
-    wait "$panel" || true # A process that was killed ends with an error.
+    { wait "$panel" || true; } 2>/dev/null # That it was killed is no news.
     rig_wait "the tray to go" rig_not panel_is_up
 }
 
@@ -117,6 +134,24 @@ program_start() {
 
 program_is_running() {
     rig_is_running "$program"
+}
+
+# program_wait WHAT COMMAND...: as rig_wait, but a failure at once when the program ends meanwhile.
+program_wait() {
+    rig_wait "$1" program_has_ended_or "${@:2}"
+    program_is_running || rig_fail "the program ended before $1"
+}
+
+program_has_ended_or() {
+    rig_not program_is_running || "$@"
+}
+
+# The program's end, which must be a good one.
+program_wait_end() {
+    rig_wait "the program's end" rig_not program_is_running
+    local result=0
+    wait "$program" || result=$?
+    [ "$result" -eq 0 ] || rig_fail "the program ended with $result"
 }
 
 # The bus names of the items that the panel has taken in, one per line; of each, what stands before its path.
@@ -140,6 +175,17 @@ find_item() {
 
 item_is_registered() {
     find_item >"$RIG/item"
+}
+
+# Whether some item is on the bus, taken in or not.
+item_is_on_bus() {
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.ListNames |
+        grep -q '"org.kde.StatusNotifierItem-'
+}
+
+# item_has_title PATTERN: an extended regular expression for the whole title.
+item_has_title() {
+    item_property "$(find_item)" Title | grep -Eqx "\(<['\"]$1['\"]>,\)"
 }
 
 # item_property NAME PROPERTY: as GVariant text, such as (<'Active'>,).
@@ -179,6 +225,19 @@ different_pixels() {
 # difference_box FILE FILE: the rectangle around all differing pixels, WxH+X+Y.
 difference_box() {
     convert "$1" "$2" -compose difference -composite -threshold 0 -trim -format '%wx%h%O' info:
+}
+
+# click BUTTON BOX: in the middle of a rectangle WxH+X+Y.
+click() {
+    local width height x y
+    IFS='x+' read -r width height x y <<<"$2"
+    xdotool mousemove $((x + width / 2)) $((y + height / 2)) click "$1"
+}
+
+# screen_differs FILE COUNT: as panel_differs, for the whole screen.
+screen_differs() {
+    screenshot "$RIG/screen.png"
+    [ "$(different_pixels "$1" "$RIG/screen.png")" -ge "$2" ]
 }
 
 # panel_differs FILE COUNT: whether at least so many pixels of the panel differ from the earlier screenshot.

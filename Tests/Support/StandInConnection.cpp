@@ -1,5 +1,7 @@
 #include "Support/StandInConnection.h"
 
+#include <QSslConfiguration>
+
 #include <sys/socket.h>
 
 namespace torvane {
@@ -75,6 +77,7 @@ qsizetype StandInConnection::parse(StandInRequest& request) const {
     request.method = start.value(0);
     request.target = start.value(1);
     request.headers = parseFields(lines.sliced(1));
+    request.protocol = m_socket->sslConfiguration().nextNegotiatedProtocol();
     request.connection = m_number;
     const qsizetype length = request.header("Content-Length").toLongLong();
     if (m_received.size() < headEnd + 4 + length)
@@ -123,8 +126,10 @@ void StandInConnection::finishAnswer() {
 }
 
 void StandInConnection::fill() {
-    while (m_socket->bytesToWrite() + m_socket->encryptedBytesToWrite() < fillingAhead)
-        m_socket->write(m_answer.filling);
+    while (m_socket->bytesToWrite() + m_socket->encryptedBytesToWrite() < fillingAhead) {
+        if (m_socket->write(m_answer.filling) <= 0)
+            return; // The other side is gone.
+    }
 }
 
 } // namespace torvane

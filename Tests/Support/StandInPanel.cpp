@@ -34,6 +34,11 @@ bool StandInPanel::disappear() {
     return m_connection.unregisterService(watcherName);
 }
 
+void StandInPanel::refuseNoted() {
+    for (const QDBusMessage& registration : std::exchange(m_noted, {}))
+        m_connection.send(registration.createErrorReply(QDBusError::AccessDenied, u"too late"_s));
+}
+
 QDBusMessage StandInPanel::call(const QString& interface, const QString& method, const QVariantList& arguments) {
     const QString path = interface == menuInterface ? u"/MenuBar"_s : u"/StatusNotifierItem"_s;
     QDBusMessage message = QDBusMessage::createMethodCall(m_services.value(0), path, interface, method);
@@ -60,8 +65,10 @@ QStringList StandInPanel::signalsSoFar() {
 
 void StandInPanel::RegisterStatusNotifierItem(const QString& service) {
     m_services.append(service);
-    if (!answers)
+    if (!answers) {
         setDelayedReply(true);
+        m_noted.append(message());
+    }
     if (refuses)
         sendErrorReply(QDBusError::AccessDenied, u"not here"_s);
 }

@@ -24,6 +24,9 @@ public:
     bool appear();
     bool disappear();
 
+    /// Refuses the registrations that were only noted.
+    void refuseNoted();
+
     /// The registered services, in order, each as often as it registered.
     QStringList services() const { return m_services; }
 
@@ -48,5 +51,6 @@ private:
     PrivateBus& m_bus;
     QDBusConnection m_connection;
     QStringList m_services;
+    QList<QDBusMessage> m_noted;
     QStringList m_signals;
 };

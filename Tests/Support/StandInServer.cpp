@@ -27,6 +27,8 @@ QSslConfiguration configuration(const QString& certificate) {
     tls.setLocalCertificateChain(chain);
     tls.setPrivateKey(keyBeside(certificate));
     tls.setPeerVerifyMode(QSslSocket::VerifyNone); // Clients need not prove who they are.
+    // Offered first, so that a client that wanted HTTP/2 would get it, and fail here.
+    tls.setAllowedNextProtocols({QByteArrayLiteral("h2"), QByteArrayLiteral("http/1.1")});
     return tls;
 }
 

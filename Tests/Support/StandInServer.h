@@ -18,7 +18,8 @@ struct StandInRequest final {
     QByteArray target; // path and query
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
-    int connection = 0; // The how-manieth connection of the server it came on, from 1.
+    QByteArray protocol; // What the TLS handshake agreed on: "http/1.1".
+    int connection = 0;  // The how-manieth connection of the server it came on, from 1.
 
     /// The value of a header, its name in any case; null where it is missing.
     QByteArray header(QByteArrayView name) const;

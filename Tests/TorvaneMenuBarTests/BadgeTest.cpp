@@ -18,12 +18,12 @@ namespace {
 constexpr int limitMs = 30000;
 constexpr std::array sizes{16, 22, 24, 32, 48, 64, 66};
 
-QFont systemFont() {
-    return QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+FigureOutline outlineOf(const QString& figure) {
+    return figureOutline(figure, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
 }
 
 QImage drawn(const QString& figure, int size) {
-    return badgeImage(figure, systemFont(), badgeColors(), size);
+    return badgeImage(outlineOf(figure), badgeColors(), size);
 }
 
 /// How many pixels of the rectangle are of this colour, whole or smoothed to the same half of the way from the plate.
@@ -54,7 +54,7 @@ private Q_SLOTS:
     void shortFiguresAreDrawnAtEverySize() {
         QFETCH(QString, figure);
         for (const int size : sizes) {
-            const BadgeLayout layout = badgeLayout(figure, systemFont(), size);
+            const BadgeLayout layout = badgeLayout(outlineOf(figure), size);
             const QRectF bounds = layout.figure.boundingRect();
             QVERIFY(!layout.figure.isEmpty());
             QVERIFY(bounds.left() > 0.99 && bounds.right() < size - 0.99);
@@ -69,7 +69,7 @@ private Q_SLOTS:
     void theMarkLiesWithinTheSquareAndInItsMiddle() {
         for (const int size : sizes) {
             for (const QString& figure : {QString(), u"12.3"_s}) {
-                const QRectF mark = badgeLayout(figure, systemFont(), size).mark;
+                const QRectF mark = badgeLayout(outlineOf(figure), size).mark;
                 QVERIFY(mark.top() >= 1 && mark.bottom() <= size - 1);
                 QVERIFY(mark.height() >= 6 && mark.width() >= 3);
                 QCOMPARE(mark.center().x(), size / 2.0);
@@ -79,7 +79,7 @@ private Q_SLOTS:
 
     void digitsStandOnWholePixels() {
         for (const int size : sizes) {
-            const QRectF seven = badgeLayout(u"7"_s, systemFont(), size).figure.boundingRect();
+            const QRectF seven = badgeLayout(outlineOf(u"7"_s), size).figure.boundingRect();
             QVERIFY(std::abs(seven.bottom() - std::round(seven.bottom())) < 0.01);
             QVERIFY(std::abs(seven.top() - std::round(seven.top())) < 0.01);
         }
@@ -110,8 +110,8 @@ private Q_SLOTS:
     }
 
     void theSmallestSizesGiveUpFirst() {
-        QVERIFY(badgeLayout(u"0.004"_s, systemFont(), 16).figure.isEmpty());
-        QVERIFY(!badgeLayout(u"0.004"_s, systemFont(), 22).figure.isEmpty());
+        QVERIFY(badgeLayout(outlineOf(u"0.004"_s), 16).figure.isEmpty());
+        QVERIFY(!badgeLayout(outlineOf(u"0.004"_s), 22).figure.isEmpty());
     }
 
     void theBadgeIsReadableOnAnyPanel() {

@@ -8,7 +8,8 @@ namespace torvane {
 
 CurlPool::CurlPool(QObject* parent)
     : QObject(parent)
-    , m_multi(curl_multi_init()) {
+    , m_multi(curl_multi_init())
+    , m_timer(this) {
     Q_CHECK_PTR(m_multi);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
@@ -48,8 +49,8 @@ CurlPool::Watch& CurlPool::watch(curl_socket_t socket) {
     Watch& watch = m_watches[socket];
     if (watch.readable)
         return watch;
-    watch.readable = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
-    watch.writable = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Write);
+    watch.readable = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read, this);
+    watch.writable = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Write, this);
     connect(watch.readable.get(), &QSocketNotifier::activated, this, [this, socket] { act(socket, CURL_CSELECT_IN); });
     connect(watch.writable.get(), &QSocketNotifier::activated, this, [this, socket] { act(socket, CURL_CSELECT_OUT); });
     return watch;

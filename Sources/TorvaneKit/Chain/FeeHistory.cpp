@@ -29,33 +29,25 @@ double typicalPriorityFee(const QList<QList<HexQuantity>>& reward, qsizetype per
     return *middle;
 }
 
-quint64 newestBlock(const FeeHistoryResponse& history) {
-    const auto further = static_cast<quint64>(history.gasUsedRatio.size() - 1);
-    if (history.oldestBlock.value > std::numeric_limits<quint64>::max() - further)
-        throw FeeHistoryFailure(FeeHistoryFailure::Case::invalidBlockNumber);
-    return history.oldestBlock.value + further;
+/// How many blocks the newest one is after the oldest.
+quint64 blocksAfterOldest(const FeeHistoryResponse& history) {
+    return static_cast<quint64>(std::max<qsizetype>(1, history.gasUsedRatio.size()) - 1);
 }
 
 } // namespace
 
-const char* FeeHistoryFailure::what() const noexcept {
-    switch (m_case) {
-    case Case::invalidLengths:
-        return "Fee history with lists of lengths that do not fit";
-    case Case::invalidReward:
-        return "Fee history with missing priority fees";
-    case Case::invalidBlockNumber:
-        return "Fee history beyond the last block number";
-    }
-    Q_UNREACHABLE();
+bool hasBlockNumbers(const FeeHistoryResponse& history) {
+    return history.oldestBlock.value <= std::numeric_limits<quint64>::max() - blocksAfterOldest(history);
 }
 
 LiveGasQuote deriveLive(const FeeHistoryResponse& from) {
     checkShape(from);
+    if (!hasBlockNumbers(from))
+        qFatal("A fee history goes beyond the last block number");
     // The last entry is the node's forecast for the next block; the one before belongs to the newest block.
     const double baseFee = from.baseFeePerGas[from.baseFeePerGas.size() - 2].gwei();
     return {baseFee, baseFee + typicalPriorityFee(from.reward, 0), baseFee + typicalPriorityFee(from.reward, 1),
-            baseFee + typicalPriorityFee(from.reward, 2), newestBlock(from)};
+            baseFee + typicalPriorityFee(from.reward, 2), from.oldestBlock.value + blocksAfterOldest(from)};
 }
 
 } // namespace torvane

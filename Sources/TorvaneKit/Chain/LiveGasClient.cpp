@@ -15,7 +15,6 @@ using namespace std::chrono_literals;
 
 constexpr qint64 requestId = 1;
 constexpr quint64 historyBlocks = 20;
-constexpr qsizetype answerLimit = 4 * 1024 * 1024;
 
 Request rpcRequest(const QString& endpoint, const QByteArray& body) {
     Request request;
@@ -26,12 +25,15 @@ Request rpcRequest(const QString& endpoint, const QByteArray& body) {
     request.body = body;
     request.headers = {{"Content-Type", "application/json"}};
     request.timeout = 10s;
-    request.bodyLimit = answerLimit;
+    request.bodyLimit = rpcBodyLimit;
     return request;
 }
 
 LiveGasQuote decodeFeeHistory(const QByteArray& body) {
-    return deriveLive(JSON::decode<JSONRPCResponse<FeeHistoryResponse>>(body).value());
+    const FeeHistoryResponse history = JSON::decode<JSONRPCResponse<FeeHistoryResponse>>(body).value();
+    if (!hasBlockNumbers(history))
+        throw DecodingError(DecodingError::Cause::corrupted, "Block numbers beyond 64 bits");
+    return deriveLive(history);
 }
 
 HexQuantity decodeGasPrice(const QByteArray& body) {

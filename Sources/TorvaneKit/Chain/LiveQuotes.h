@@ -20,6 +20,8 @@ struct LiveGasQuote {
 struct LiveL2Quote {
     QString name;
     double gasPriceGwei;
+
+    bool operator==(const LiveL2Quote&) const = default;
 };
 
 /// Which live feed a poll concerns.

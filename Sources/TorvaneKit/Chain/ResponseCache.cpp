@@ -55,6 +55,12 @@ HeaderFields updated(const HeaderFields& stored, const HeaderFields& fresh) {
     return fields;
 }
 
+/// Servers that compress on the fly mark the tag of the whole answer as weak, but not that of the 304.
+QByteArray opaqueTag(const Answer& answer) {
+    const QByteArray tag = headerValue(answer.headers, "ETag");
+    return tag.startsWith("W/") ? tag.sliced(2) : tag;
+}
+
 } // namespace
 
 bool isFresh(const RememberedAnswer& remembered, const QDateTime& now) {
@@ -121,8 +127,8 @@ Answer ResponseCache::settle(const Hop& hop, const std::optional<RememberedAnswe
 
 Answer ResponseCache::renew(RememberedAnswer remembered, const Answer& notModified, const QDateTime& askedAt,
                             const QDateTime& now) {
-    const QByteArray tag = headerValue(notModified.headers, "ETag");
-    if (!tag.isEmpty() && tag != headerValue(remembered.answer.headers, "ETag")) {
+    const QByteArray tag = opaqueTag(notModified);
+    if (!tag.isEmpty() && tag != opaqueTag(remembered.answer)) {
         forget(remembered.key); // It confirms something else than we asked about; next time we ask for the whole.
         return notModified;
     }

@@ -1,12 +1,13 @@
 #include "Chain/SnapshotMerge.h"
 
+#include "Model/Format.h"
+
 #include <algorithm>
 
 namespace torvane {
 
 namespace {
 
-constexpr double transferGas = 21000;
 constexpr double swapGas = 150000;
 
 /// None where either price makes no sense: better no cost than the relay's, which belongs to another base fee.
@@ -21,9 +22,16 @@ GasData merged(GasData gas, const LiveGasQuote& live, double ethPrice) {
     gas.low = live.low;
     gas.avg = live.avg;
     gas.high = live.high;
-    gas.feeTransferUsd = costUsd(ethPrice, live.baseFee, transferGas);
+    gas.feeTransferUsd = costUsd(ethPrice, live.baseFee, Format::transferGas);
     gas.feeSwapUsd = costUsd(ethPrice, live.baseFee, swapGas);
     return gas;
+}
+
+/// The first quote for the network of this name.
+const LiveL2Quote* quoteFor(const QString& name, const QList<LiveL2Quote>& quotes) {
+    const auto found =
+        std::find_if(quotes.cbegin(), quotes.cend(), [&name](const LiveL2Quote& quote) { return quote.name == name; });
+    return found == quotes.cend() ? nullptr : &*found;
 }
 
 } // namespace
@@ -34,12 +42,11 @@ Snapshot mergeSnapshot(const Snapshot& relay, const std::optional<LiveGasQuote>&
     if (ethereum)
         result.gas = merged(relay.gas, *ethereum, relay.price.eth);
     if (l2.isEmpty())
-        return result; // The list stays shared with the relay's.
-    for (L2Entry& entry : result.l2) {
-        const auto quote =
-            std::find_if(l2.cbegin(), l2.cend(), [&entry](const LiveL2Quote& each) { return each.name == entry.name; });
-        if (quote != l2.cend())
-            entry.costGwei = quote->gasPriceGwei;
+        return result;
+    for (qsizetype i = 0; i < relay.l2.size(); ++i) {
+        // Only the first match makes the list a copy of its own; the histories inside stay shared even then.
+        if (const LiveL2Quote* quote = quoteFor(relay.l2[i].name, l2))
+            result.l2[i].costGwei = quote->gasPriceGwei;
     }
     return result;
 }

@@ -111,8 +111,8 @@ void Transfer::setUpHeaders() {
     set(CURLOPT_HTTPHEADER, m_headers.get());
 }
 
-void Transfer::start(std::coroutine_handle<> awaiting) {
-    m_awaiting = awaiting;
+void Transfer::start(detail::Suspended awaiting) {
+    m_awaiting = awaiting.task;
     CurlSession* session = CurlSession::instance();
     if (!session)
         return fail({TransportFailure::Cause::cancelled, "the application is ending"});
@@ -205,7 +205,7 @@ void Transfer::end() {
     m_easy.reset(); // The handle lets go of the shared session now: nobody knows when the frame goes.
     // From the loop, where the resumed code may do anything: start requests, destroy this, end the application.
     QMetaObject::invokeMethod(
-        this, [awaiting = m_awaiting] { awaiting.resume(); }, Qt::QueuedConnection);
+        this, [awaiting = m_awaiting] { awaiting->run(); }, Qt::QueuedConnection);
 }
 
 Answer Transfer::outcome() {

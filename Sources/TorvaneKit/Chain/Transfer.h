@@ -2,13 +2,13 @@
 
 #include "Chain/HTTPMessage.h"
 #include "Chain/NetworkFailure.h"
+#include "Support/Async.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
 #include <curl/curl.h>
 
 #include <array>
-#include <coroutine>
 #include <memory>
 #include <optional>
 
@@ -33,7 +33,7 @@ public:
 
             bool await_ready() const noexcept { return false; }
 
-            void await_suspend(std::coroutine_handle<> awaiting) const { transfer->start(awaiting); }
+            void await_suspend(detail::Suspended awaiting) const { transfer->start(awaiting); }
 
             Answer await_resume() const { return transfer->outcome(); }
         };
@@ -62,7 +62,7 @@ private:
     void setUpRequest();
     void setUpTrust();
     void setUpHeaders();
-    void start(std::coroutine_handle<> awaiting);
+    void start(detail::Suspended awaiting);
     void checkIdleness();
     void fail(const TransportFailure& failure);
     void end();
@@ -73,7 +73,7 @@ private:
     std::unique_ptr<curl_slist, Cleanup> m_headers;
     CURLcode m_setUp = CURLE_OK;
     CurlPool* m_pool = nullptr; // While in flight.
-    std::coroutine_handle<> m_awaiting;
+    detail::TaskPromiseBase* m_awaiting = nullptr;
     QTimer m_idleTimer;
     QElapsedTimer m_sinceActivity;
     QByteArray m_head;

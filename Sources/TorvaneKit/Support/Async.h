@@ -24,16 +24,32 @@ class Task;
 namespace detail {
 
 struct TaskPromiseBase {
-    std::coroutine_handle<> continuation;
+    std::coroutine_handle<> frame;     // This task's own.
+    TaskPromiseBase* caller = nullptr; // The task that awaits this one, and whose frame goes on when this one ends.
     std::exception_ptr error;
+    bool isRunning = false;  // Of the outermost task: somewhere below it code runs at this moment.
+    bool isOrphaned = false; // Its owner let go of it meanwhile: it goes as soon as that code suspends or ends.
+
+    /// Runs a frame that is suspended. The code may destroy whatever owns the outermost task: a frame cannot be freed
+    /// while it runs, so that this is made up for afterwards.
+    void run() {
+        TaskPromiseBase* outermost = this;
+        while (outermost->caller)
+            outermost = outermost->caller;
+        outermost->isRunning = true;
+        frame.resume();
+        outermost->isRunning = false;
+        if (outermost->isOrphaned)
+            outermost->frame.destroy();
+    }
 
     struct FinalAwaiter {
         bool await_ready() const noexcept { return false; }
 
         template <class Promise>
         std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> finished) const noexcept {
-            const std::coroutine_handle<> next = finished.promise().continuation;
-            return next ? next : std::noop_coroutine();
+            const TaskPromiseBase* next = finished.promise().caller;
+            return next ? next->frame : std::noop_coroutine();
         }
 
         void await_resume() const noexcept {}
@@ -49,6 +65,15 @@ struct TaskPromiseBase {
         if (error)
             std::rethrow_exception(error);
     }
+};
+
+/// What an awaiter's await_suspend takes: the task that waits, to be run again with `task->run()` from the loop.
+struct Suspended {
+    TaskPromiseBase* task;
+
+    template <class Promise>
+    Suspended(std::coroutine_handle<Promise> awaiting) noexcept
+        : task(&awaiting.promise()) {}
 };
 
 template <class T>
@@ -79,6 +104,8 @@ struct TaskPromise<void> : TaskPromiseBase {
 /// An asynchronous operation that owns its coroutine frame. It starts when it is awaited or started; destroying it
 /// earlier destroys the frame and with it whatever the frame awaits: that is how an operation is cancelled.
 /// An error thrown inside arrives, as it was thrown, where the task is awaited.
+/// Code inside may destroy the owner of the outermost task and so its own: it then runs on to its next suspension,
+/// without what its owner owned, and no further.
 template <class T>
 class [[nodiscard]] Task final {
 public:
@@ -97,11 +124,15 @@ public:
     }
 
     ~Task() {
-        if (m_frame)
+        if (!m_frame)
+            return;
+        if (m_frame.promise().isRunning)
+            m_frame.promise().isOrphaned = true;
+        else
             m_frame.destroy();
     }
 
-    void start() const { m_frame.resume(); }
+    void start() const { m_frame.promise().run(); }
 
     bool isDone() const noexcept { return m_frame.done(); }
 
@@ -114,8 +145,8 @@ public:
 
             bool await_ready() const noexcept { return false; }
 
-            std::coroutine_handle<> await_suspend(std::coroutine_handle<> awaiting) const noexcept {
-                frame.promise().continuation = awaiting;
+            std::coroutine_handle<> await_suspend(detail::Suspended awaiting) const noexcept {
+                frame.promise().caller = awaiting.task;
                 return frame;
             }
 
@@ -130,11 +161,67 @@ private:
 
 template <class T>
 Task<T> detail::TaskPromise<T>::get_return_object() noexcept {
-    return Task<T>(std::coroutine_handle<TaskPromise>::from_promise(*this));
+    const auto own = std::coroutine_handle<TaskPromise>::from_promise(*this);
+    frame = own;
+    return Task<T>(own);
 }
 
 inline Task<void> detail::TaskPromise<void>::get_return_object() noexcept {
-    return Task<void>(std::coroutine_handle<TaskPromise>::from_promise(*this));
+    const auto own = std::coroutine_handle<TaskPromise>::from_promise(*this);
+    frame = own;
+    return Task<void>(own);
+}
+
+namespace detail {
+
+/// Where two tasks and whoever awaits them meet: the last task to arrive resumes that one.
+struct Meeting {
+    int missing = 2;
+    std::coroutine_handle<> awaiting; // Null until somebody waits.
+
+    bool await_ready() const noexcept { return missing == 0; }
+
+    void await_suspend(std::coroutine_handle<> frame) noexcept { awaiting = frame; }
+
+    void await_resume() const noexcept {}
+};
+
+/// Awaited by a task at its end. It is never resumed from there: its frame waits to be destroyed.
+struct Arrival {
+    Meeting* meeting;
+
+    bool await_ready() const noexcept { return false; }
+
+    std::coroutine_handle<> await_suspend(std::coroutine_handle<>) const noexcept {
+        const bool isLast = --meeting->missing == 0;
+        return isLast && meeting->awaiting ? meeting->awaiting : std::noop_coroutine();
+    }
+
+    void await_resume() const noexcept {}
+};
+
+inline Task<> arriveAfter(const Task<>& task, Meeting& meeting) {
+    try {
+        co_await task;
+    } catch (...) {
+        // The task keeps its error, and throws it where its result is asked for.
+    }
+    const Arrival arrival{&meeting};
+    co_await arrival;
+}
+
+} // namespace detail
+
+/// Runs two tasks side by side and ends when both have ended. Throws what the first of them threw, else the second.
+inline Task<> whenBoth(Task<> first, Task<> second) {
+    detail::Meeting meeting;
+    const Task<> one = detail::arriveAfter(first, meeting);
+    const Task<> other = detail::arriveAfter(second, meeting);
+    one.start();
+    other.start();
+    co_await meeting;
+    first.result();
+    second.result();
 }
 
 /// Runs tasks on behalf of its owner: destroying the scope cancels those that have not ended.
@@ -172,7 +259,7 @@ namespace detail {
 
 template <class T>
 struct DetachedState {
-    std::coroutine_handle<> awaiting; // Null once the awaiting frame is gone.
+    TaskPromiseBase* awaiting = nullptr; // Null once the awaiting frame is gone.
     std::optional<T> value;
     std::exception_ptr error;
 };
@@ -199,8 +286,8 @@ auto detached(const Function& function) {
 
         bool await_ready() const noexcept { return false; }
 
-        void await_suspend(std::coroutine_handle<> awaiting) {
-            m_state->awaiting = awaiting;
+        void await_suspend(detail::Suspended awaiting) {
+            m_state->awaiting = awaiting.task;
             worker().start([state = m_state, work = std::move(m_work)] {
                 try {
                     state->value.emplace(work());
@@ -212,7 +299,7 @@ auto detached(const Function& function) {
                     QCoreApplication::instance(),
                     [state] {
                         if (state->awaiting)
-                            state->awaiting.resume();
+                            state->awaiting->run();
                     },
                     Qt::QueuedConnection);
             });

@@ -9,11 +9,14 @@ namespace {
 constexpr qint64 preferencesLimit = 1 << 20; ///< bytes; a file beyond it was not written by this program
 constexpr qint64 dataLimit = 64 << 20;
 
-/// Forgets the entries that stand on the disk, unless they have got newer values meanwhile.
-void forget(QMap<QString, QByteArray>& unwritten, const QString& key, const QByteArray& written) {
-    const auto entry = unwritten.constFind(key);
-    if (entry != unwritten.constEnd() && *entry == written)
-        unwritten.erase(entry);
+/// The members that are not among those written: never written, or with newer values meanwhile.
+PreferencesDocument remaining(const PreferencesDocument& unwritten, const PreferencesDocument& written) {
+    PreferencesDocument result;
+    for (const auto& [key, value] : unwritten.members()) {
+        if (!written.members().contains({key, value}))
+            result.assign(key, value);
+    }
+    return result;
 }
 
 } // namespace
@@ -32,7 +35,7 @@ PreferencesDocument DefaultsFiles::readPreferences() {
 void DefaultsFiles::writePreference(const QString& key, const QByteArray& value) {
     const QMutexLocker lock(&m_mutex);
     m_known.assign(key, value);
-    m_unwrittenPreferences.insert(key, value);
+    m_unwrittenPreferences.assign(key, value);
     schedule();
 }
 
@@ -62,26 +65,26 @@ void DefaultsFiles::schedule() {
 void DefaultsFiles::writeAll() {
     QMutexLocker lock(&m_mutex);
     m_isScheduled = false;
-    const Entries preferences = m_unwrittenPreferences;
-    const Entries data = m_unwrittenData;
+    const PreferencesDocument preferences = m_unwrittenPreferences;
     const PreferencesDocument known = m_known;
+    const QMap<QString, QByteArray> data = m_unwrittenData;
     lock.unlock();
-    if (!preferences.isEmpty() && writePreferences(preferences, known)) {
+    if (!preferences.members().isEmpty() && writePreferences(preferences, known)) {
         lock.relock();
-        for (auto entry = preferences.begin(); entry != preferences.end(); ++entry)
-            forget(m_unwrittenPreferences, entry.key(), entry.value());
+        m_unwrittenPreferences = remaining(m_unwrittenPreferences, preferences);
         lock.unlock();
     }
     for (auto entry = data.begin(); entry != data.end(); ++entry) {
         if (!SafeFile::replace(dataPath(entry.key()), entry.value()))
             continue;
         lock.relock();
-        forget(m_unwrittenData, entry.key(), entry.value());
+        if (m_unwrittenData.value(entry.key()) == entry.value())
+            m_unwrittenData.remove(entry.key());
         lock.unlock();
     }
 }
 
-bool DefaultsFiles::writePreferences(const Entries& changes, PreferencesDocument known) const {
+bool DefaultsFiles::writePreferences(const PreferencesDocument& changes, PreferencesDocument known) const {
     const SafeFile::EditLock lock(m_preferencesPath);
     const SafeFile::Contents file = SafeFile::read(m_preferencesPath, preferencesLimit);
     std::optional<PreferencesDocument> document = PreferencesDocument::fromBytes(file.bytes);
@@ -89,9 +92,11 @@ bool DefaultsFiles::writePreferences(const Entries& changes, PreferencesDocument
         return false;
     if (!document)
         document = std::move(known);
-    for (auto change = changes.begin(); change != changes.end(); ++change)
-        document->assign(change.key(), change.value());
-    return SafeFile::replace(m_preferencesPath, document->toBytes());
+    for (const auto& [key, value] : changes.members())
+        document->assign(key, value);
+    const QByteArray bytes = document->toBytes();
+    // What could not be read back would cost all the other values too.
+    return bytes.size() <= preferencesLimit && SafeFile::replace(m_preferencesPath, bytes);
 }
 
 /// What is no document is kept aside first. A disk error may pass, and what is no file at all is not ours to touch:
@@ -105,6 +110,7 @@ bool DefaultsFiles::mayBeReplaced(const SafeFile::Contents& file) const {
 }
 
 QString DefaultsFiles::dataPath(const QString& key) const {
+    Q_ASSERT(!key.isEmpty() && !key.contains(QLatin1Char('/')));
     return m_dataDirectory.isEmpty() ? QString() : m_dataDirectory + QLatin1Char('/') + key;
 }
 

@@ -31,11 +31,9 @@ public:
     void writeData(const QString& key, const QByteArray& bytes);
 
 private:
-    using Entries = QMap<QString, QByteArray>;
-
     void schedule();
     void writeAll();
-    bool writePreferences(const Entries& changes, PreferencesDocument known) const;
+    bool writePreferences(const PreferencesDocument& changes, PreferencesDocument known) const;
     bool mayBeReplaced(const SafeFile::Contents& file) const;
     QString dataPath(const QString& key) const;
 
@@ -43,8 +41,8 @@ private:
     const QString m_dataDirectory;
     mutable QMutex m_mutex;      ///< guards what follows
     PreferencesDocument m_known; ///< what this program has read and assigned, for when the file has gone
-    Entries m_unwrittenPreferences;
-    Entries m_unwrittenData;
+    PreferencesDocument m_unwrittenPreferences;
+    QMap<QString, QByteArray> m_unwrittenData;
     bool m_isScheduled = false;
 };
 

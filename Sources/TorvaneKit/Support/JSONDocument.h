@@ -16,9 +16,17 @@ enum class Kind : quint8 { null, boolean, number, string, array, object };
 struct Token {
     static constexpr quint32 extentLimit = (1U << 29) - 1;
 
-    quint32 offset; ///< of the first byte; of a string the first after the quotation mark
-    quint32 kind : 3;
-    quint32 extent : 29; ///< of a text its length in bytes; of an array or object the number of tokens inside
+    quint32 offset;        ///< of the first byte; of a string the first after the quotation mark
+    quint32 kindAndExtent; ///< by hand: a bit field is stored by the byte, and read back only after a stall
+
+    static Token of(Kind kind, std::size_t offset, std::size_t extent) {
+        return {static_cast<quint32>(offset), static_cast<quint32>(kind) << 29 | static_cast<quint32>(extent)};
+    }
+
+    Kind kind() const { return static_cast<Kind>(kindAndExtent >> 29); }
+
+    /// Of a text its length in bytes; of an array or object the number of tokens inside.
+    quint32 extent() const { return kindAndExtent & extentLimit; }
 };
 
 /// A place in a Document, valid as long as that lives.
@@ -32,19 +40,18 @@ public:
     explicit operator bool() const { return m_token; }
     bool operator==(const Value&) const = default;
 
-    Kind kind() const { return static_cast<Kind>(m_token->kind); }
+    Kind kind() const { return m_token->kind(); }
     qsizetype offset() const { return m_token->offset; }
-    std::string_view text() const {
-        return {m_bytes + m_token->offset, m_token->extent};
-    } ///< unescaped; not of containers
 
-    Value first() const { return {m_token + 1, m_bytes}; }                  ///< child, or past() of an empty container
-    Value past() const { return {m_token + 1 + m_token->extent, m_bytes}; } ///< the end of the children
-    Value next() const { return isContainer() ? past() : first(); }
+    /// As written, of a string unescaped. Arrays and objects have none.
+    std::string_view text() const { return {m_bytes + m_token->offset, m_token->extent()}; }
+
+    /// The children of an array or object run from first() to before past(), by next().
+    Value first() const { return {m_token + 1, m_bytes}; }
+    Value past() const { return {m_token + 1 + m_token->extent(), m_bytes}; }
+    Value next() const { return kind() >= Kind::array ? past() : first(); }
 
 private:
-    bool isContainer() const { return kind() >= Kind::array; }
-
     const Token* m_token = nullptr;
     const char* m_bytes = nullptr;
 };
@@ -62,8 +69,13 @@ private:
     std::vector<Token> m_tokens;
 };
 
+[[noreturn]] void failKind(Value value, Kind wanted);
+
 /// Throws DecodingError unless the value is of this kind.
-void require(Value value, Kind kind);
+inline void require(Value value, Kind kind) {
+    if (value.kind() != kind)
+        failKind(value, kind);
+}
 
 bool readBool(Value value);
 double readDouble(Value value); ///< the nearest double; throws on overflow, while underflow counts as 0

@@ -1,7 +1,11 @@
 #include "Support/JSONDocument.h"
 #include "Support/JSONErrors.h"
+#include "Support/JSONNumber.h"
+
+#include <QStringDecoder>
 
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <system_error>
 
@@ -27,22 +31,6 @@ QByteArray article(Kind kind) {
     Q_UNREACHABLE();
 }
 
-/// Whether the number is nearer to 0 than to 1, judged by the power of ten of its first digit that is not zero.
-bool isSmall(std::string_view number) {
-    const std::size_t mark = number.find_first_of("eE");
-    const std::string_view digits = number.substr(0, mark);
-    long exponent = 0;
-    if (mark != std::string_view::npos) {
-        std::string_view power = number.substr(mark + 1);
-        power.remove_prefix(power.starts_with('+'));
-        if (std::from_chars(power.data(), power.data() + power.size(), exponent).ec != std::errc{})
-            return power.starts_with('-');
-    }
-    const auto first = static_cast<long>(std::min(digits.find_first_of("123456789"), digits.size()));
-    const auto point = static_cast<long>(std::min(digits.find('.'), digits.size()));
-    return point - first + exponent <= 0;
-}
-
 template <std::integral T>
 T readInteger(Value value) {
     require(value, Kind::number);
@@ -56,11 +44,9 @@ T readInteger(Value value) {
 
 } // namespace
 
-void require(Value value, Kind kind) {
-    if (value.kind() == kind)
-        return;
+void failKind(Value value, Kind wanted) {
     const auto cause = value.kind() == Kind::null ? DecodingError::Cause::null : DecodingError::Cause::wrongType;
-    throw DecodingError(cause, "expected " + article(kind) + ", found " + article(value.kind()));
+    throw DecodingError(cause, "expected " + article(wanted) + ", found " + article(value.kind()));
 }
 
 bool readBool(Value value) {
@@ -70,14 +56,10 @@ bool readBool(Value value) {
 
 double readDouble(Value value) {
     require(value, Kind::number);
-    const std::string_view text = value.text();
-    double result = 0;
-    const std::errc error = std::from_chars(text.data(), text.data() + text.size(), result).ec;
-    if (error == std::errc{})
-        return result;
-    if (isSmall(text))
-        return text.starts_with('-') ? -0.0 : 0.0;
-    throw DecodingError(DecodingError::Cause::corrupted, "the number is too large");
+    const double result = numberValue(value.text());
+    if (std::isinf(result))
+        throw DecodingError(DecodingError::Cause::corrupted, "the number is too large");
+    return result;
 }
 
 qint64 readSigned(Value value) {
@@ -91,7 +73,12 @@ quint64 readUnsigned(Value value) {
 QString readString(Value value) {
     require(value, Kind::string);
     const std::string_view text = value.text();
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const QByteArrayView bytes(text.data(), static_cast<qsizetype>(text.size()));
+    if (!bytes.startsWith("\xef\xbb\xbf"))
+        return QString::fromUtf8(bytes);
+    // fromUtf8 drops a byte order mark; inside a text it is a character like any other.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom);
+    return decoder(bytes);
 }
 
 } // namespace torvane::JSON

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QObject>
+#include "Support/Async.h"
 
-#include <coroutine>
+#include <QObject>
 
 namespace torvane {
 
@@ -17,9 +17,9 @@ public:
 
             bool await_ready() const noexcept { return false; }
 
-            void await_suspend(std::coroutine_handle<> awaiting) const {
+            void await_suspend(detail::Suspended awaiting) const {
                 QMetaObject::invokeMethod(
-                    turn, [awaiting] { awaiting.resume(); }, Qt::QueuedConnection);
+                    turn, [task = awaiting.task] { task->run(); }, Qt::QueuedConnection);
             }
 
             void await_resume() const noexcept {}

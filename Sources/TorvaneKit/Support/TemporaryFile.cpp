@@ -8,6 +8,7 @@
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace torvane {
 
@@ -40,14 +41,9 @@ bool lockOwn(int file) {
     return uninterrupted([&] { return ::flock(file, LOCK_EX | LOCK_NB); }) == 0 || errno != EWOULDBLOCK;
 }
 
-bool isStillNamed(int file) {
-    struct stat status {};
-    return ::fstat(file, &status) == 0 && status.st_nlink > 0;
-}
-
 void removeIfLeftOver(const QByteArray& path) {
-    const FileDescriptor file(
-        uninterrupted([&] { return ::open(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC); }));
+    const FileDescriptor file(uninterrupted(
+        [&] { return ::open(path, O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC); })); // NFS locks what can be written.
     if (file.isOpen() && uninterrupted([&] { return ::flock(file.get(), LOCK_EX | LOCK_NB); }) == 0)
         ::unlink(path);
 }
@@ -63,8 +59,9 @@ TemporaryFile::TemporaryFile(const QByteArray& destination)
             uninterrupted([&] { return ::open(m_path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR); }));
         if (!m_file.isOpen() && errno != EEXIST)
             return;
-        // Between its making and its locking, another process may have taken the file for left over: then once more.
-        if (m_file.isOpen() && lockOwn(m_file.get()) && isStillNamed(m_file.get())) {
+        // Between its making and its locking, another process may have taken the file for left over, or may be
+        // about to: then once more.
+        if (m_file.isOpen() && lockOwn(m_file.get()) && ::access(m_path, F_OK) == 0) {
             m_removes = true;
             return;
         }

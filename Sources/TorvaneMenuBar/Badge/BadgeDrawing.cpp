@@ -28,32 +28,9 @@ constexpr double leastFigureHeight = 6;
 /// Digits that are as high as they are wide look stretched: a short figure keeps a margin instead.
 constexpr double widestDigit = 0.80;
 
-struct Outline {
-    QPainterPath path;
-    double digitWidth = 0;
-    double digitHeight = 0;
-};
-
-/// Digits stand in cells of one width, so that a figure does not jump about as it changes.
-Outline outline(const QString& figure, QFont font) {
-    font.setPixelSize(outlinePixels);
-    font.setWeight(QFont::Bold);
-    font.setHintingPreference(QFont::PreferNoHinting);
-    const QFontMetricsF metrics(font);
-    Outline result;
-    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
-        result.digitWidth = std::max(result.digitWidth, metrics.horizontalAdvance(QChar(digit)));
-    QPainterPath seven; // Flat above and below, unlike the round digits.
-    seven.addText(0, 0, font, u"7"_s);
-    result.digitHeight = seven.boundingRect().height();
-    double x = 0;
-    for (const QChar character : figure) {
-        const double advance = metrics.horizontalAdvance(character);
-        const double cell = character.isDigit() ? result.digitWidth : advance;
-        result.path.addText(x + (cell - advance) / 2, 0, font, character);
-        x += cell;
-    }
-    return result;
+bool isDrawable(const QString& figure) {
+    return !figure.isEmpty() && figure.size() <= mostCharacters &&
+           std::all_of(figure.cbegin(), figure.cend(), [](QChar each) { return each.isPrint(); });
 }
 
 /// What is kept free on each side and between mark and figure: whole pixels, and those of 22 at its multiples.
@@ -66,26 +43,22 @@ double heightOfFigure(int size) {
 }
 
 /// The outline moved to its place and squeezed to the width, standing on whole pixels; empty when it cannot be read.
-QPainterPath placedFigure(const QString& figure, const QFont& font, int size) {
-    const bool drawable = std::all_of(figure.cbegin(), figure.cend(), [](QChar each) { return each.isPrint(); });
-    if (!drawable || figure.size() > mostCharacters)
-        return {};
-    const Outline drawn = outline(figure, font);
-    const QRectF bounds = drawn.path.boundingRect();
-    if (bounds.width() <= 0 || drawn.digitHeight <= 0)
+QPainterPath placed(const FigureOutline& figure, int size) {
+    const QRectF bounds = figure.path.boundingRect();
+    if (bounds.width() <= 0 || figure.digitHeight <= 0)
         return {};
     const double height = heightOfFigure(size);
-    const double vertical = height / drawn.digitHeight;
+    const double vertical = height / figure.digitHeight;
     const double room = size - 2 * margin(size);
-    const double roomiest = height * widestDigit / drawn.digitWidth;
+    const double roomiest = height * widestDigit / figure.digitWidth;
     const double horizontal = std::min({vertical, room / bounds.width(), roomiest});
-    if (horizontal * drawn.digitWidth < std::max(leastDigitWidth, narrowestDigit * size))
+    if (horizontal * figure.digitWidth < std::max(leastDigitWidth, narrowestDigit * size))
         return {};
     QTransform place;
     place.translate((size - bounds.width() * horizontal) / 2, size - margin(size));
     place.scale(horizontal, vertical);
     place.translate(-bounds.left(), 0);
-    return place.map(drawn.path);
+    return place.map(figure.path);
 }
 
 /// An eight-sided stone seen from the side, each facet a tone: `part` is the facet's corners in parts of the rectangle.
@@ -111,8 +84,33 @@ BadgeColors badgeColors() {
     return {QColor(0x1f, 0x23, 0x2b), QColor(0xff, 0xff, 0xff), QColor(0xc9, 0xd0, 0xff), QColor(0x8c, 0x97, 0xf5)};
 }
 
-BadgeLayout badgeLayout(const QString& figure, const QFont& font, int size) {
-    BadgeLayout layout{{}, placedFigure(figure, font, size)};
+FigureOutline figureOutline(const QString& figure, const QFont& font) {
+    if (!isDrawable(figure))
+        return {};
+    QFont large = font;
+    large.setPixelSize(outlinePixels);
+    large.setWeight(QFont::Bold);
+    large.setHintingPreference(QFont::PreferNoHinting);
+    const QFontMetricsF metrics(large);
+    FigureOutline outline;
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
+        outline.digitWidth = std::max(outline.digitWidth, metrics.horizontalAdvance(QChar(digit)));
+    QPainterPath seven; // Flat above and below, unlike the round digits.
+    seven.addText(0, 0, large, u"7"_s);
+    outline.digitHeight = seven.boundingRect().height();
+    double x = 0;
+    for (const QChar character : figure) {
+        // Digits stand in cells of one width, so that a figure does not jump about as it changes.
+        const double advance = metrics.horizontalAdvance(character);
+        const double cell = character.isDigit() ? outline.digitWidth : advance;
+        outline.path.addText(x + (cell - advance) / 2, 0, large, character);
+        x += cell;
+    }
+    return outline;
+}
+
+BadgeLayout badgeLayout(const FigureOutline& figure, int size) {
+    BadgeLayout layout{{}, placed(figure, size)};
     const int free = margin(size);
     const bool alone = layout.figure.isEmpty();
     const double top = alone ? 2 * free : free;
@@ -123,7 +121,7 @@ BadgeLayout badgeLayout(const QString& figure, const QFont& font, int size) {
     return layout;
 }
 
-QImage badgeImage(const QString& figure, const QFont& font, const BadgeColors& colors, int size) {
+QImage badgeImage(const FigureOutline& figure, const BadgeColors& colors, int size) {
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
@@ -131,7 +129,7 @@ QImage badgeImage(const QString& figure, const QFont& font, const BadgeColors& c
     painter.setPen(Qt::NoPen);
     painter.setBrush(colors.plate);
     painter.drawRoundedRect(QRectF(0, 0, size, size), size * 0.14, size * 0.14);
-    const BadgeLayout layout = badgeLayout(figure, font, size);
+    const BadgeLayout layout = badgeLayout(figure, size);
     drawMark(painter, layout.mark, colors);
     painter.fillPath(layout.figure, colors.ink);
     return image;

@@ -52,10 +52,13 @@ void StatusItemBadge::show(const BadgeLook& look) {
 }
 
 void StatusItemBadge::draw(const QString& figure) {
-    const QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    // At the start there is no figure yet, and fonts need not be loaded for none.
+    const FigureOutline outline = figure.isEmpty()
+                                      ? FigureOutline()
+                                      : figureOutline(figure, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
     m_shown.icons.clear();
     for (const int size : iconSizes)
-        m_shown.icons.append(badgeImage(figure, font, badgeColors(), size));
+        m_shown.icons.append(badgeImage(outline, badgeColors(), size));
 }
 
 } // namespace torvane

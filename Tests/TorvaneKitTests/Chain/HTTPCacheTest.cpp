@@ -237,6 +237,16 @@ private Q_SLOTS:
         QVERIFY(last().header("If-None-Match").isNull());
     }
 
+    void aConfirmationMayNameTheTagWithoutItsWeakness() {
+        m_server.on(m_path, StandInAnswer::ok("one").gzipped().header("ETag", "W/\"1\""));
+        QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"one\""));
+        m_server.on(m_path, StandInAnswer::status(304).header("ETag", "\"1\""));
+        for (int i = 0; i < 2; ++i) {
+            QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"one\""));
+            QVERIFY(last().header("If-None-Match").endsWith("\"1\""));
+        }
+    }
+
     void aConfirmationMayForbidToRememberAnyLonger() {
         serve("one", {}, "\"1\"");
         QCOMPARE(Fetch::outcomeOf(url()), QStringLiteral("\"one\""));

@@ -1,12 +1,14 @@
 #include "Chain/NetworkClient.h"
 
+#include "Chain/CurlPool.h"
+#include "Chain/CurlSession.h"
 #include "Support/LogLines.h"
 #include "Support/StandInServer.h"
 #include "Support/TestConfig.h"
 #include "TorvaneKitTests/Chain/Fetch.h"
 
+#include <QProcess>
 #include <QRegularExpression>
-#include <QSignalSpy>
 
 #include <vector>
 
@@ -31,15 +33,18 @@ Task<> fetchAndCancel(Request request, std::vector<std::unique_ptr<Fetch>>& othe
     isDone = true;
 }
 
-struct Owner final : QObject {
+struct Owner final {
     TaskScope scope;
 };
 
-Task<> fetchAndDestroy(Request request, Owner* owner, bool& isDone) {
+Task<> fetchAndDestroy(Request request, Owner* owner, bool& isDone, bool& isFurther) {
     Task<QByteArray> one = NetworkClient::request(request);
     co_await one;
     isDone = true;
-    owner->deleteLater();
+    delete owner; // And with it the scope that holds this very frame.
+    Task<QByteArray> two = NetworkClient::request(request);
+    co_await two;
+    isFurther = true;
 }
 
 /// The milliseconds differ from run to run: the rest of a line does not.
@@ -59,6 +64,7 @@ class NetworkClientTest final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
+        qunsetenv("https_proxy");
         TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
         m_server.on("/", StandInAnswer::ok("hello"));
         m_server.on("/long", StandInAnswer::ok(QByteArray(300000, 'x')));
@@ -206,6 +212,52 @@ private Q_SLOTS:
         QCOMPARE(Fetch::outcomeOf(url("/encoded")), QLatin1Char('"') + QString::fromLatin1(body) + QLatin1Char('"'));
     }
 
+    void onlyHTTP11IsSpoken() {
+        QCOMPARE(Fetch::outcomeOf(url("/")), QStringLiteral("\"hello\""));
+        QCOMPARE(m_server.requests().first().protocol, QByteArray("http/1.1"));
+    }
+
+    void anIdleClientWakesNobody() {
+        QCOMPARE(Fetch::outcomeOf(url("/long")).size(), 300002);
+        const CurlPool& pool = CurlSession::instance()->pool();
+        QVERIFY(pool.isIdle());
+        QVERIFY(!pool.findChild<QTimer*>()->isActive());
+        const auto notifiers = pool.findChildren<QSocketNotifier*>();
+        QVERIFY(!notifiers.isEmpty());
+        for (const QSocketNotifier* notifier : notifiers)
+            QVERIFY(!notifier->isEnabled());
+    }
+
+    void thisMachineIsReachedWithoutAProxy() {
+        qputenv("https_proxy", "http://127.0.0.1:1");
+        const QString outcome = Fetch::outcomeOf(url("/"));
+        qunsetenv("https_proxy");
+        QCOMPARE(outcome, QStringLiteral("\"hello\""));
+    }
+
+    void aReconnectionResumesTheTLSSession() {
+        QProcess server;
+        server.start(QStringLiteral("openssl"),
+                     {QStringLiteral("s_server"), QStringLiteral("-accept"), QStringLiteral("127.0.0.1:0"),
+                      QStringLiteral("-cert"), StandInServer::certificatePath("localhost"), QStringLiteral("-key"),
+                      StandInServer::certificatePath("localhost").replace(QLatin1String(".pem"), QLatin1String(".key")),
+                      QStringLiteral("-www")});
+        static const QRegularExpression accepting(QStringLiteral("ACCEPT 127\\.0\\.0\\.1:(\\d+)"));
+        QString said;
+        const auto hasStarted = [&] {
+            said += QString::fromLatin1(server.readAllStandardOutput());
+            return accepting.match(said).hasMatch();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(hasStarted(), 30000);
+        // Its page says how the connection came about; it closes after each.
+        const QUrl page(QStringLiteral("https://localhost:%1/").arg(accepting.match(said).captured(1)));
+        QVERIFY(Fetch::outcomeOf(page).contains(QStringLiteral("New, TLSv1.3")));
+        NetworkClient::dropPooledConnections(); // A session outlives the pool.
+        QVERIFY(Fetch::outcomeOf(page).contains(QStringLiteral("Reused, TLSv1.3")));
+        server.kill();
+        QVERIFY(server.waitForFinished());
+    }
+
     void requestsShareOneConnection() {
         NetworkClient::dropPooledConnections();
         const int before = m_server.connectionCount();
@@ -283,12 +335,16 @@ private Q_SLOTS:
     }
 
     void resumedCodeMayEndItsOwner() {
+        const LogLines log(category);
         auto* owner = new Owner;
-        QSignalSpy destroyed(owner, &QObject::destroyed);
         bool isDone = false;
-        owner->scope.run(fetchAndDestroy(Request{.url = url("/")}, owner, isDone));
-        QTRY_COMPARE_WITH_TIMEOUT(destroyed.size(), 1, 30000);
-        QVERIFY(isDone);
+        bool isFurther = false;
+        owner->scope.run(fetchAndDestroy(Request{.url = url("/")}, owner, isDone, isFurther));
+        QTRY_VERIFY_WITH_TIMEOUT(isDone, 30000);
+        QCOMPARE(withoutTimes(log.lines()),
+                 QStringList({QStringLiteral("info: method=GET host=localhost bytes=5 ms=N ok"),
+                              QStringLiteral("info: method=GET host=localhost bytes=0 ms=N fail")}));
+        QVERIFY(!isFurther);
     }
 };
 

@@ -19,7 +19,7 @@ const QByteArray plenty = QByteArray("0123456789").repeated(20000);
 
 /// More than the limit once it is decoded, far less on the wire.
 StandInAnswer bomb() {
-    return StandInAnswer::ok(QByteArray(qsizetype{64} * 1024 * 1024, '\0')).gzipped();
+    return StandInAnswer::ok(QByteArray(qsizetype{16} * 1024 * 1024, '\0')).gzipped();
 }
 
 } // namespace
@@ -69,6 +69,14 @@ private Q_SLOTS:
         row("garbage", StandInAnswer::raw("\x01\x02garbage\r\n\r\n").cutShortInHead(12, Ending::closeNotify), "http 0");
         row("another protocol", StandInAnswer::raw("220 mail.example ESMTP\r\n"), "http 0");
         row("a status that is no number", StandInAnswer::raw("HTTP/1.1 abc OK\r\n\r\n"), "http 0");
+        const auto then = [](const QByteArray& bytes) {
+            return StandInAnswer::raw(bytes).cutShortInHead(bytes.size(), Ending::closeNotify);
+        };
+        row("a status out of range", then("HTTP/1.1 999 No\r\nContent-Length: 0\r\n\r\n"), "http 999");
+        row("a switch nobody asked for", then("HTTP/1.1 101 Switching\r\n\r\n"), "connection 52");
+        row("interim answers without the final one", StandInAnswer::raw("HTTP/1.1 103 Hints\r\n\r\n"), "timed out");
+        row("interim answers first", then("HTTP/1.1 103 Hints\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nx"),
+            "\"x\"");
         row("silence", StandInAnswer::silent(), "timed out");
         row("silence in the head", ok.cutShortInHead(20, Ending::silence), "timed out");
         row("silence in the body", ok.cutShort(5000, Ending::silence), "timed out");
@@ -100,14 +108,14 @@ private Q_SLOTS:
 
     void anAnswerThatKeepsComingIsNotIdle() {
         QFETCH(QByteArray, path);
-        // Longer in all than the idle limit; each piece much sooner.
-        m_server.on("/body", StandInAnswer::ok(QByteArray(120, 'b')).dripped(4, 20ms));
-        StandInAnswer head = StandInAnswer::ok(QByteArray(120, 'b'));
-        for (int i = 0; i < 40; ++i)
+        // Three seconds in all; each piece much sooner than the idle limit.
+        m_server.on("/body", StandInAnswer::ok(QByteArray(600, 'b')).dripped(4, 20ms));
+        StandInAnswer head = StandInAnswer::ok(QByteArray(600, 'b'));
+        for (int i = 0; i < 150; ++i)
             head = head.header("X-" + QByteArray::number(i), "v");
-        m_server.on("/head", head.dripped(8, 20ms));
-        const Request request{.url = url(path.constData()), .timeout = 600ms};
-        QCOMPARE(Fetch::outcomeOf(request), QLatin1Char('"') + QString(120, u'b') + QLatin1Char('"'));
+        m_server.on("/head", head.dripped(10, 20ms));
+        const Request request{.url = url(path.constData()), .timeout = 2s};
+        QCOMPARE(Fetch::outcomeOf(request), QLatin1Char('"') + QString(600, u'b') + QLatin1Char('"'));
     }
 
     void anAnswerThatDripsForeverEndsAtTheDeadline_data() {

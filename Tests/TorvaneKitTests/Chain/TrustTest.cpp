@@ -33,6 +33,7 @@ class TrustTest final : public QObject {
 
 private Q_SLOTS:
     void init() {
+        qunsetenv("https_proxy"); // The names here mean this machine.
         TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
         TestConfig::setRelayHost(relay);
         m_server.on("/", StandInAnswer::ok("hello"));

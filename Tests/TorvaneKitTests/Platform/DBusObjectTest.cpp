@@ -124,6 +124,7 @@ private Q_SLOTS:
         DBusObject hidden(m_caller, path, interface());
         hidden.send("Changed"_L1, {1});
         QVERIFY(m_caller.connect({}, path, interfaceName, u"Changed"_s, this, SLOT(receive(QDBusMessage))));
+        call(interfaceName, u"Join"_s, {u"a"_s, u"b"_s}); // With the answer, the bus knows what is listened to.
         m_object->send("Changed"_L1, {2});
         QTRY_COMPARE_WITH_TIMEOUT(m_received, QVariantList{2}, 30000);
     }

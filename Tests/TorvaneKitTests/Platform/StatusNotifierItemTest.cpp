@@ -4,6 +4,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusObjectPath>
+#include <QDBusPendingCall>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -105,6 +106,19 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_panel->services().size(), 1, limitMs);
         QCOMPARE(m_panel->property(u"Id"_s).toString(), u"example"_s);
         QVERIFY(!m_item->isRegistered());
+    }
+
+    void anAnswerOfAPanelThatHasGoneIsPassedOver() {
+        m_panel->answers = false;
+        QVERIFY(m_panel->appear());
+        createItem();
+        QTRY_COMPARE_WITH_TIMEOUT(m_panel->services().size(), 1, limitMs);
+        StandInPanel other(*m_bus);
+        QVERIFY(m_panel->disappear() && other.appear());
+        QTRY_VERIFY_WITH_TIMEOUT(m_item->isRegistered(), limitMs);
+        m_panel->refuseNoted();
+        QCOMPARE(m_panel->property(u"Id"_s), u"example"_s); // What was sent before has arrived with this.
+        QVERIFY(m_item->isRegistered());
     }
 
     void withoutABusTheItemIsInvisible() {
@@ -249,6 +263,20 @@ private Q_SLOTS:
         click(u"ContextMenu"_s);
         QTRY_COMPARE_WITH_TIMEOUT(menu.size(), 1, limitMs);
         QCOMPARE(activated.size(), 1);
+    }
+
+    void aClickIsAnsweredBeforeItIsHandled() {
+        start();
+        QDBusMessage call = QDBusMessage::createMethodCall(m_panel->services().value(0), u"/StatusNotifierItem"_s,
+                                                           u"org.kde.StatusNotifierItem"_s, u"Activate"_s);
+        call.setArguments({1, 2});
+        const QDBusPendingCall answer = m_panel->connection().asyncCall(call);
+        bool handled = false;
+        connect(m_item.get(), &StatusNotifierItem::activated, this, [&] {
+            QTRY_VERIFY_WITH_TIMEOUT(answer.isFinished(), limitMs); // A window may be shown from here, and stay.
+            handled = true;
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(handled, limitMs);
     }
 
     void theItemMayGoWhileItsClickIsHandled() {

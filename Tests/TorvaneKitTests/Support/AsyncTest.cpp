@@ -74,6 +74,31 @@ Task<> waitFor(QSemaphore& gate, int& alive, bool& resumed) {
     resumed = true;
 }
 
+struct Owner {
+    TaskScope scope;
+};
+
+Task<> endOwner(std::unique_ptr<Owner>& owner, int& alive, bool& resumed) {
+    const Alive guard(alive);
+    const auto work = [] { return 1; };
+    co_await detached(work);
+    owner.reset();
+    co_await detached(work);
+    resumed = true;
+}
+
+Task<> awaitEndingOwner(std::unique_ptr<Owner>& owner, int& alive, bool& resumed) {
+    const Alive guard(alive);
+    Task<> inner = endOwner(owner, alive, resumed);
+    co_await inner;
+}
+
+Task<> endOwnerAtOnce(std::unique_ptr<Owner>& owner, int& alive) {
+    const Alive guard(alive);
+    owner.reset();
+    co_return;
+}
+
 Task<> keep(std::shared_ptr<int> token) {
     Q_UNUSED(token)
     co_return;
@@ -117,6 +142,28 @@ private Q_SLOTS:
         worker().waitForDone();
         QCoreApplication::processEvents();
         QVERIFY(!resumed);
+    }
+
+    void aTaskMayEndItsOwnOwner() {
+        auto owner = std::make_unique<Owner>();
+        int alive = 0;
+        bool resumed = false;
+        owner->scope.run(awaitEndingOwner(owner, alive, resumed));
+        QCOMPARE(alive, 2);
+        QTRY_VERIFY(!owner);
+        QCOMPARE(alive, 0);
+        worker().waitForDone();
+        QCoreApplication::processEvents();
+        QVERIFY(!resumed); // It ran on to its next suspension, and no further.
+    }
+
+    void aTaskMayEndItsOwnOwnerBeforeItFirstSuspends() {
+        auto owner = std::make_unique<Owner>();
+        int alive = 0;
+        TaskScope& scope = owner->scope;
+        scope.run(endOwnerAtOnce(owner, alive));
+        QVERIFY(!owner);
+        QCOMPARE(alive, 0);
     }
 
     void aTaskThatNobodyStartsDoesNothing() {

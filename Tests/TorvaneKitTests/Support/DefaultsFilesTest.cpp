@@ -76,6 +76,18 @@ private Q_SLOTS:
         QCOMPARE(contentOf(dataDirectory() + QStringLiteral("/data")), QByteArray(1000, 'x'));
     }
 
+    void newMembersComeInTheOrderOfTheirAssignment() {
+        put(path(), "{}");
+        UserDefaults defaults(path(), dataDirectory());
+        QSemaphore gate;
+        worker().start([&] { gate.acquire(); });
+        defaults.set(b, true);
+        defaults.set(a, true);
+        defaults.set(b, false);
+        gate.release();
+        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": false,\n  \"a\": true\n}\n"));
+    }
+
     void writesUnderWayOutliveTheirUserDefaults() {
         QSemaphore gate;
         worker().start([&] { gate.acquire(); });
@@ -105,6 +117,16 @@ private Q_SLOTS:
         put(path(), R"({"b": "by hand", "a": 7})");
         defaults.set(QStringLiteral("c"), true);
         QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": \"by hand\",\n  \"a\": 7,\n  \"c\": true\n}\n"));
+    }
+
+    void aValueThatWouldMakeTheFileUnreadableIsNotWritten() {
+        put(path(), R"({"a": 1})");
+        UserDefaults defaults(path(), dataDirectory());
+        defaults.set(b, QString(1 << 20, QLatin1Char('x')));
+        QCOMPARE(contentOf(path()), QByteArray(R"({"a": 1})"));
+        QCOMPARE(defaults.string(b)->size(), 1 << 20);
+        defaults.set(b, QStringLiteral("short"));
+        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": 1,\n  \"b\": \"short\"\n}\n"));
     }
 
     void aFileThatIsGoneIsWrittenAnewFromMemory() {

@@ -238,8 +238,11 @@ private:
         const QStringList command = inOwnMounts(smallDisk, probe.path()) + QStringList{QStringLiteral("true")};
         QProcess program;
         program.start(command.first(), command.sliced(1));
-        return program.waitForFinished(patience) && program.exitStatus() == QProcess::NormalExit &&
-               program.exitCode() == 0;
+        const bool isMounted = program.waitForFinished(patience) && program.exitStatus() == QProcess::NormalExit &&
+                               program.exitCode() == 0;
+        if (!isMounted)
+            qInfo("Nobody may mount here, so the rows with disks of their own are left out.");
+        return isMounted;
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;

@@ -1,5 +1,6 @@
 #include "Support/UserDefaults.h"
 
+#include "Support/BaseDirectory.h"
 #include "Support/TestFiles.h"
 #include "Support/Worker.h"
 
@@ -8,7 +9,9 @@
 #include <QTest>
 
 #include <limits>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace torvane;
 using TestFiles::put;
@@ -292,6 +295,20 @@ private Q_SLOTS:
         defaults.setData(QStringLiteral("data"), "bytes");
         QCOMPARE(contentOf(m_directory->filePath(preferences)), QByteArray("{\n  \"a\": true\n}\n"));
         QCOMPARE(contentOf(m_directory->filePath(data)), QByteArray("bytes"));
+    }
+
+    void withoutAUsableHOMETheUserDatabaseHasTheHome() {
+        const passwd* user = ::getpwuid(::getuid());
+        QVERIFY(user);
+        const QString home = QFile::decodeName(user->pw_dir);
+        const Environment config("XDG_CONFIG_HOME", std::nullopt);
+        const Environment cache("XDG_CACHE_HOME", std::nullopt);
+        for (const std::optional<QByteArray>& value :
+             {std::optional<QByteArray>(), std::optional(QByteArray("home"))}) {
+            const Environment variable("HOME", value);
+            QCOMPARE(BaseDirectory::config(), home + QStringLiteral("/.config"));
+            QCOMPARE(BaseDirectory::cache(), home + QStringLiteral("/.cache"));
+        }
     }
 
     void withoutAnyPlaceValuesLiveInMemory() {

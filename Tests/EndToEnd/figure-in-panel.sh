@@ -1,0 +1,114 @@
+#!/usr/bin/env bash
+# figure-in-panel.sh PROGRAM RELAY ANCHOR PORT: the program shows in a real xfce panel what its relay says, keeps it while
+# the relay misbehaves or is gone, and over a restart. The relay is the stand-in, its certificate is in ANCHOR.
+# SHOTS             a folder that keeps the pictures
+source "$(dirname "$0")/rig.sh"
+rig_enter "$@"
+program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
+
+relay_start() {
+    "$relay_under_test" >"$RIG/log/relay" 2>&1 &
+    relay=$!
+    rig_wait "the relay" grep -qx ready "$RIG/log/relay"
+}
+
+relay_stop() {
+    kill "$relay"
+    wait "$relay" || true # It ends by the signal.
+}
+
+relay_order() {
+    curl --silent --show-error --fail --cacert "$anchor" --data "$1" "https://localhost:$port/control" ||
+        rig_fail "the relay does not take the order '$1'"
+}
+
+# The relay listens anew once the order is answered.
+relay_show_certificate() {
+    relay_order "certificate $1"
+    rig_wait "the certificate $1" rig_not curl --silent --cacert "$anchor" "https://localhost:$port/control"
+}
+
+tool_tip_is() {
+    item_property "$(find_item)" ToolTip | grep -qF "'Ethereum', '$1'"
+}
+
+requests_logged() {
+    grep -c '^org.velisk.Torvane.net: method=GET host=localhost bytes=[0-9]* ms=[0-9]* \(ok\|fail\)$' "$RIG/log/program"
+}
+
+more_requests_logged() {
+    [ "$(requests_logged)" -gt "$1" ]
+}
+
+# Asks for a fetch and waits until it has ended.
+refresh() {
+    local before
+    before=$(requests_logged) || true # grep -c fails when it counts none.
+    menu_choose "$(find_item)" "Refresh Now"
+    program_wait "the end of a fetch" more_requests_logged "$before"
+}
+
+keep() {
+    [ -z "${SHOTS:-}" ] || cp "$1" "$SHOTS/$2"
+}
+
+panel_start
+panel_screenshot "$RIG/empty.png"
+relay_start
+relay_order "baseFee 12.2"
+program_start "$program_under_test"
+program_wait "the relay's figure" tool_tip_is "Low: 12.3 gwei"
+program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 200
+keep "$RIG/now.png" first.png
+cp "$RIG/now.png" "$RIG/first.png"
+rig_pass "the panel shows the figure of the relay's document"
+
+relay_order "baseFee 7.4"
+refresh
+program_wait "the new figure" tool_tip_is "Low: 7.5 gwei"
+program_wait "the new figure in the panel" panel_differs "$RIG/first.png" 10
+keep "$RIG/now.png" second.png
+cp "$RIG/now.png" "$RIG/second.png"
+rig_pass "the panel follows the relay's document"
+
+figure_stays() {
+    refresh
+    tool_tip_is "Low: 7.5 gwei" || rig_fail "the figure changed after '$1'"
+    rig_pass "the last good figure stays after '$1'"
+}
+
+relay_order "baseFee 99"
+for answer in "status 503" garbage truncate "redirect http://localhost:$port/"; do
+    relay_order "answer $answer"
+    figure_stays "$answer"
+done
+for certificate in otherhost expired stranger; do
+    relay_stop
+    relay_start
+    relay_order "baseFee 99"
+    relay_show_certificate "$certificate"
+    figure_stays "certificate $certificate"
+done
+panel_equals "$RIG/second.png" || rig_fail "the badge was drawn anew"
+
+relay_stop
+refresh
+tool_tip_is "Low: 7.5 gwei" || rig_fail "the figure went with the relay"
+kill -TERM "$program"
+program_wait_end
+rig_wait "the badge to leave the panel" panel_equals "$RIG/empty.png"
+rm "$RIG/log/program"
+program_start "$program_under_test"
+program_wait "the cached figure" tool_tip_is "Low: 7.5 gwei"
+program_wait "the failed fetch" grep -q ' fail$' "$RIG/log/program"
+rig_pass "a start without the relay shows the cached figure"
+
+relay_start
+relay_order "baseFee 21.5"
+refresh
+program_wait "the figure of the relay that came back" tool_tip_is "Low: 21.8 gwei"
+rig_pass "a relay that comes back is heard"
+
+menu_choose "$(find_item)" "Quit velisk"
+program_wait_end
+rig_pass "Quit ends the program"
