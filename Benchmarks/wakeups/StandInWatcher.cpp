@@ -1,5 +1,7 @@
 #include "StandInWatcher.h"
 
+#include <QDBusPendingCall>
+
 using namespace Qt::StringLiterals;
 
 namespace {
