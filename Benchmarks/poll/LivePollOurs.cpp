@@ -31,8 +31,8 @@ public:
     }
 
     void start() {
-        // Its fetch from the relay never ends, so that every further refresh asks the node alone.
-        m_store.start();
+        // The relay never answers the first refresh, so that every further one asks the node alone.
+        m_tasks.run(m_store.refresh());
         m_tasks.run(poll());
     }
 
