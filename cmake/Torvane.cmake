@@ -18,10 +18,15 @@ if(TORVANE_SANITIZE)
 endif()
 
 # torvane_library(NAME FOLDER...): one static library of all the sources in this folder. Files are found, not listed:
-# a new unit is a new file. Include paths start at the kit's root, so that every #include names its layer.
+# a new unit is a new file; ONLY picks units by name. Include paths start at the kit's root, so that every #include names
+# its layer.
 function(torvane_library name)
-    cmake_parse_arguments(arg "" "FOLDER" "LINK" ${ARGN})
+    cmake_parse_arguments(arg "" "FOLDER" "LINK;ONLY" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${arg_FOLDER}/*.cpp" "${arg_FOLDER}/*.h")
+    if(arg_ONLY)
+        list(JOIN arg_ONLY "|" units)
+        list(FILTER sources INCLUDE REGEX "/(${units})\\.(cpp|h)$")
+    endif()
     add_library(${name} STATIC ${sources})
     set_target_properties(${name} PROPERTIES AUTOMOC ON LINKER_LANGUAGE CXX POSITION_INDEPENDENT_CODE ON)
     target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")

@@ -1,6 +1,8 @@
 #include "TorvaneApp.h"
 
 #include "Badge/BadgeText.h"
+#include "Coordination/Notifications.h"
+#include "TimerSettings.h"
 
 #include <QCoreApplication>
 
@@ -13,6 +15,8 @@ TorvaneApp::TorvaneApp()
     connect(&m_badge, &StatusItemBadge::refreshRequested, this, [this] { m_tasks.run(m_store.refresh()); });
     connect(&m_badge, &StatusItemBadge::quitRequested, this, &QCoreApplication::quit);
     m_badge.show(badgeLook(m_store.snapshot, m_settings));
+    rebuildTimersOnChange(m_settings, m_store);
+    GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);
 }

@@ -9,6 +9,8 @@
 int main(int argc, char** argv) {
     // A connection that its server has closed is reported where it is written to, not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
+    // A file that may not grow further is a failed write, which the next one mends.
+    std::signal(SIGXFSZ, SIG_IGN);
     QGuiApplication::setApplicationName(QStringLiteral("velisk"));
     QGuiApplication::setApplicationVersion(torvane::Config::currentVersion());
     QGuiApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));

@@ -220,6 +220,25 @@ noServiceIsTouchedWithoutNginx() {
     ! grep -q systemctl calls || fail "a service was touched"
 }
 
+npmIsInstalledForTheTestsWhereThereIsNone() {
+    machine 0
+    everything_installed_but npm
+    install_dependencies run demo bench fuzz format
+    expect_output ''
+    install_dependencies test
+    expect_status 0
+    grep -q -- ' npm$' calls || fail "npm is to be installed"
+}
+
+anNpmThatIsOnThePathIsEnough() {
+    machine 0
+    everything_installed_but npm
+    write_program bin/npm <<<'#!/bin/sh'
+    install_dependencies test
+    expect_status 0
+    [ ! -s calls ] || fail "apt-get was called"
+}
+
 noPackageIsNamedTwice() {
     machine 0
     [ -z "$(packages_of_group develop | sort | uniq -d)" ] || fail "$(packages_of_group develop | sort | uniq -d)"

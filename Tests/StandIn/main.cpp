@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QTcpServer>
 
 #include <csignal>
 #include <cstdio>
@@ -15,6 +16,10 @@ int main(int argc, char** argv) {
     parser.process(application);
 
     // The demo's Config names this port.
+    if (QTcpServer probe; !probe.listen(QHostAddress::LocalHost, TORVANE_DEMO_PORT)) {
+        std::fprintf(stderr, "Port %d of this machine is taken.\n", TORVANE_DEMO_PORT);
+        return 1;
+    }
     const torvane::StandInRelay relay(TORVANE_DEMO_PORT);
     std::puts("ready");
     std::fflush(stdout);

@@ -17,8 +17,8 @@ public:
 
     void close(const QDBusConnection& connection);
 
-    /// Where other processes find it. Empty when the daemon did not start.
-    const QString& address() const { return m_address; }
+    /// Where to connect, for a process that is to take this bus for its session's.
+    QString address() const { return m_address; }
 
 private:
     QTemporaryDir m_folder;

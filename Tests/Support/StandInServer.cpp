@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSslConfiguration>
 #include <QSslKey>
 
 namespace torvane {
@@ -17,19 +16,6 @@ QSslKey keyBeside(const QString& certificate) {
     if (!file.open(QIODevice::ReadOnly))
         qFatal("No key: %s", qUtf8Printable(file.fileName()));
     return QSslKey(&file, QSsl::Ec);
-}
-
-QSslConfiguration configuration(const QString& certificate) {
-    const QList<QSslCertificate> chain = QSslCertificate::fromPath(certificate);
-    if (chain.isEmpty())
-        qFatal("No certificate: %s", qUtf8Printable(certificate));
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setLocalCertificateChain(chain);
-    tls.setPrivateKey(keyBeside(certificate));
-    tls.setPeerVerifyMode(QSslSocket::VerifyNone); // Clients need not prove who they are.
-    // Offered first, so that a client that wanted HTTP/2 would get it, and fail here.
-    tls.setAllowedNextProtocols({QByteArrayLiteral("h2"), QByteArrayLiteral("http/1.1")});
-    return tls;
 }
 
 } // namespace
@@ -45,7 +31,7 @@ QByteArray StandInRequest::header(QByteArrayView name) const {
 StandInServer::StandInServer(const QString& certificate, quint16 port, QObject* parent)
     : QObject(parent)
     , m_port(port) {
-    m_listener.setSslConfiguration(configuration(certificate));
+    m_listener.setSslConfiguration(tlsConfiguration(certificate));
     connect(&m_listener, &QSslServer::pendingConnectionAvailable, this, &StandInServer::accept);
     start();
 }
@@ -56,6 +42,23 @@ StandInServer::~StandInServer() {
 
 QString StandInServer::certificatePath(const char* name) {
     return QStringLiteral(TORVANE_TEST_CERTIFICATES "/") + QLatin1String(name) + QLatin1String(".pem");
+}
+
+QSslConfiguration StandInServer::tlsConfiguration(const QString& certificate) {
+    const QList<QSslCertificate> chain = QSslCertificate::fromPath(certificate);
+    if (chain.isEmpty())
+        qFatal("No certificate: %s", qUtf8Printable(certificate));
+    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    tls.setLocalCertificateChain(chain);
+    tls.setPrivateKey(keyBeside(certificate));
+    tls.setPeerVerifyMode(QSslSocket::VerifyNone); // Clients need not prove who they are.
+    return tls;
+}
+
+void StandInServer::offer(const QList<QByteArray>& protocols) {
+    QSslConfiguration tls = m_listener.sslConfiguration();
+    tls.setAllowedNextProtocols(protocols);
+    m_listener.setSslConfiguration(tls);
 }
 
 void StandInServer::on(const QByteArray& path, Handler handler) {

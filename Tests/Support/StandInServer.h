@@ -3,6 +3,7 @@
 #include "Support/StandInAnswer.h"
 
 #include <QHash>
+#include <QSslConfiguration>
 #include <QSslServer>
 #include <QUrl>
 
@@ -18,7 +19,7 @@ struct StandInRequest final {
     QByteArray target; // path and query
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
-    QByteArray protocol; // What the TLS handshake agreed on: "http/1.1".
+    QByteArray protocol; // What the TLS handshake agreed on, if it offered any.
     int connection = 0;  // The how-manieth connection of the server it came on, from 1.
 
     /// The value of a header, its name in any case; null where it is missing.
@@ -43,6 +44,12 @@ public:
 
     /// Path of a certificate that the build made: "ca", "localhost", "otherhost", "expired", "stranger", "strangerca".
     static QString certificatePath(const char* name);
+
+    /// What a TLS server with this certificate needs.
+    static QSslConfiguration tlsConfiguration(const QString& certificate);
+
+    /// The protocols that handshakes offer from now on (ALPN), best first. None are offered until then.
+    void offer(const QList<QByteArray>& protocols);
 
     /// Answers requests for this path, the query apart. Paths that nobody answers get a 404.
     void on(const QByteArray& path, Handler handler);

@@ -110,6 +110,10 @@ Task<QByteArray> NetworkClient::request(Request request) {
     co_return answer.body;
 }
 
+void NetworkClient::forget(const QUrl& url) {
+    cache().invalidate(url);
+}
+
 void NetworkClient::dropPooledConnections() {
     if (CurlSession* session = CurlSession::instance())
         session->dropPooledConnections();

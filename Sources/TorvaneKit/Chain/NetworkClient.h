@@ -42,6 +42,10 @@ namespace NetworkClient {
 /// are the failure that their status code says. No request lasts longer than a minute. Writes one line to the log.
 Task<QByteArray> request(Request request);
 
+/// What is remembered of this address is not confirmed again but fetched anew: for whoever finds that a body makes no
+/// sense. HTTP cannot tell a body that was cut short before it was compressed from a whole one.
+void forget(const QUrl& url);
+
 /// The next requests make connections of their own: for whoever learns that the network changed or the machine slept.
 /// After a time-out this is done without being asked.
 void dropPooledConnections();

@@ -138,6 +138,8 @@ Task<> SnapshotStore::refreshSnapshot(CachePolicy policy) {
         const auto decode = [body] { return JSON::decode<Snapshot>(body); };
         const Snapshot fresh = co_await detached(decode);
         adopt(fresh, body);
+    } catch (const DecodingError&) {
+        NetworkClient::forget(Config::snapshotURL());
     } catch (const std::exception&) {
         // A failed fetch is silent: the last good data stay and the next firing tries again.
     }

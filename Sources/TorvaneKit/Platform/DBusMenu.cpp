@@ -117,14 +117,7 @@ QList<DBusMethod> DBusMenu::happeningMethods() {
         return happen(arguments[0].toInt(), arguments[1].toString()) ? dbusAnswer() : std::nullopt;
     };
     const auto eventGroup = [this](const QVariantList& arguments) -> DBusAnswer {
-        const auto events = qdbus_cast<QList<MenuEvent>>(arguments[0]);
-        QList<int> unknown;
-        for (const MenuEvent& each : events) {
-            if (!happen(each.id, each.kind))
-                unknown.append(each.id);
-        }
-        const bool allUnknown = !events.isEmpty() && unknown.size() == events.size();
-        return allUnknown ? std::nullopt : dbusAnswer(unknown);
+        return happen(qdbus_cast<QList<MenuEvent>>(arguments[0]));
     };
     // The entries never change by being shown, so no panel has to ask for them again.
     const auto aboutToShow = [this](const QVariantList& arguments) -> DBusAnswer {
@@ -172,17 +165,15 @@ std::optional<MenuLayout> DBusMenu::layout(int parentId, int depth, const QStrin
     return whole;
 }
 
-/// No ids asks for all entries; unknown ones are left out.
+/// No ids asks for all entries; unknown ones are left out, and repeated ones come once: an answer is never larger than
+/// the menu.
 QList<MenuItemProperties> DBusMenu::groupProperties(const QList<int>& ids, const QStringList& names) const {
-    QList<int> wanted = ids;
-    if (wanted.isEmpty()) {
-        wanted.append(rootId);
-        for (const MenuEntry& each : m_entries)
-            wanted.append(each.id);
-    }
+    QList<int> known{rootId};
+    for (const MenuEntry& each : m_entries)
+        known.append(each.id);
     QList<MenuItemProperties> group;
-    for (const int id : std::as_const(wanted)) {
-        if (isKnown(id))
+    for (const int id : std::as_const(known)) {
+        if (ids.isEmpty() || ids.contains(id))
             group.append({id, selected(properties(id), names)});
     }
     return group;
@@ -195,6 +186,17 @@ bool DBusMenu::happen(int id, QStringView kind) {
         QMetaObject::invokeMethod(
             this, [this, id] { Q_EMIT entryTriggered(id); }, Qt::QueuedConnection);
     return found || id == rootId;
+}
+
+/// Gives the unknown ids; it is an error when there are no others.
+DBusAnswer DBusMenu::happen(const QList<MenuEvent>& events) {
+    QList<int> unknown;
+    for (const MenuEvent& each : events) {
+        if (!happen(each.id, each.kind))
+            unknown.append(each.id);
+    }
+    const bool allUnknown = !events.isEmpty() && unknown.size() == events.size();
+    return allUnknown ? std::nullopt : dbusAnswer(unknown);
 }
 
 } // namespace torvane

@@ -47,6 +47,7 @@ private:
     std::optional<MenuLayout> layout(int parentId, int depth, const QStringList& names) const;
     QList<MenuItemProperties> groupProperties(const QList<int>& ids, const QStringList& names) const;
     bool happen(int id, QStringView kind);
+    DBusAnswer happen(const QList<MenuEvent>& events);
     void sendChangedProperties(const QList<MenuEntry>& before);
 
     QList<MenuEntry> m_entries;

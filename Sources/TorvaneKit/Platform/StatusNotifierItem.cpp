@@ -33,7 +33,7 @@ QDBusMessage busCall(QLatin1StringView method, const QVariantList& arguments) {
     return call;
 }
 
-/// Names carry a number since the specification allows several items in a process.
+/// Names carry a number since StatusNotifierItem allows several items in a process.
 QString nextName() {
     static quint64 number = 0;
     return u"org.kde.StatusNotifierItem-%1-%2"_s.arg(

@@ -41,8 +41,8 @@ class StatusNotifierItem final : public QObject {
     Q_OBJECT
 
 public:
-    /// The id names the program and stays the same over starts; the category is one of the specification's, such as
-    /// "ApplicationStatus". One item per connection: their object paths are fixed.
+    /// The id names the program and stays the same over starts; the category is one that freedesktop's
+    /// StatusNotifierItem names, such as "ApplicationStatus". One item per connection: their object paths are fixed.
     StatusNotifierItem(const QDBusConnection& bus, const QString& id, const QString& category,
                        QObject* parent = nullptr);
     ~StatusNotifierItem() override;

@@ -28,8 +28,7 @@ QString escaped(QString text) {
 
 /// A service that does not answer, or not as it should, has announced nothing.
 bool announcesMarkup(const QDBusPendingCall& capabilities) {
-    const QDBusPendingReply<QStringList> reply = capabilities;
-    return reply.isValid() && reply.value().contains("body-markup"_L1);
+    return QDBusPendingReply<QStringList>(capabilities).value().contains("body-markup"_L1);
 }
 
 } // namespace
@@ -58,6 +57,8 @@ void UserNotificationCenter::post(const UserNotification& notification) const {
 
 /// Asked for each notification: they are rare, and services come and go and are exchanged while a session lasts.
 void UserNotificationCenter::askThenNotify(const UserNotification& notification) const {
+    if (!m_bus.isConnected())
+        return; // Such a call never ends, and its watcher would stay.
     const QDBusPendingCall capabilities = m_bus.asyncCall(desktopCall(u"GetCapabilities"_s));
     auto* watcher = new QDBusPendingCallWatcher(capabilities, QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [center = *this, notification, watcher] {

@@ -23,9 +23,12 @@ class Task;
 
 namespace detail {
 
+class Both;
+
 struct TaskPromiseBase {
     std::coroutine_handle<> frame;     // This task's own.
     TaskPromiseBase* caller = nullptr; // The task that awaits this one, and whose frame goes on when this one ends.
+    int* siblings = nullptr;           // How many run beside it for the same caller, itself included, if any do.
     std::exception_ptr error;
     bool isRunning = false;  // Of the outermost task: somewhere below it code runs at this moment.
     bool isOrphaned = false; // Its owner let go of it meanwhile: it goes as soon as that code suspends or ends.
@@ -48,8 +51,9 @@ struct TaskPromiseBase {
 
         template <class Promise>
         std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> finished) const noexcept {
-            const TaskPromiseBase* next = finished.promise().caller;
-            return next ? next->frame : std::noop_coroutine();
+            const TaskPromiseBase& task = finished.promise();
+            const bool isLast = !task.siblings || --*task.siblings == 0;
+            return isLast && task.caller ? task.caller->frame : std::noop_coroutine();
         }
 
         void await_resume() const noexcept {}
@@ -156,6 +160,15 @@ public:
     }
 
 private:
+    friend class detail::Both;
+
+    /// Starts it as one of several tasks of a caller that is running.
+    void startBeside(int& siblings, detail::TaskPromiseBase* caller) const {
+        m_frame.promise().siblings = &siblings;
+        m_frame.promise().caller = caller;
+        m_frame.resume();
+    }
+
     Handle m_frame;
 };
 
@@ -174,52 +187,36 @@ inline Task<void> detail::TaskPromise<void>::get_return_object() noexcept {
 
 namespace detail {
 
-/// Where two tasks and whoever awaits them meet: the last task to arrive resumes that one.
-struct Meeting {
-    int missing = 2;
-    std::coroutine_handle<> awaiting; // Null until somebody waits.
-
-    bool await_ready() const noexcept { return missing == 0; }
-
-    void await_suspend(std::coroutine_handle<> frame) noexcept { awaiting = frame; }
-
-    void await_resume() const noexcept {}
-};
-
-/// Awaited by a task at its end. It is never resumed from there: its frame waits to be destroyed.
-struct Arrival {
-    Meeting* meeting;
+/// Awaiting it runs two tasks side by side on behalf of the one that awaits.
+class Both final {
+public:
+    Both(const Task<>& first, const Task<>& second)
+        : m_first(first)
+        , m_second(second) {}
 
     bool await_ready() const noexcept { return false; }
 
-    std::coroutine_handle<> await_suspend(std::coroutine_handle<>) const noexcept {
-        const bool isLast = --meeting->missing == 0;
-        return isLast && meeting->awaiting ? meeting->awaiting : std::noop_coroutine();
+    bool await_suspend(Suspended awaiting) {
+        m_first.startBeside(m_running, awaiting.task);
+        m_second.startBeside(m_running, awaiting.task);
+        return --m_running > 0; // Both may have ended already.
     }
 
     void await_resume() const noexcept {}
-};
 
-inline Task<> arriveAfter(const Task<>& task, Meeting& meeting) {
-    try {
-        co_await task;
-    } catch (...) {
-        // The task keeps its error, and throws it where its result is asked for.
-    }
-    const Arrival arrival{&meeting};
-    co_await arrival;
-}
+private:
+    const Task<>& m_first;
+    const Task<>& m_second;
+    int m_running = 3; // The two, and whoever starts them.
+};
 
 } // namespace detail
 
-/// Runs two tasks side by side and ends when both have ended. Throws what the first of them threw, else the second.
+/// Runs two tasks side by side and ends when both have ended. Throws what the first one threw, else what the second
+/// did.
 inline Task<> whenBoth(Task<> first, Task<> second) {
-    detail::Meeting meeting;
-    const Task<> one = detail::arriveAfter(first, meeting);
-    const Task<> other = detail::arriveAfter(second, meeting);
-    one.start();
-    other.start();
-    co_await meeting;
+    detail::Both both(first, second);
+    co_await both;
     first.result();
     second.result();
 }

@@ -9,7 +9,7 @@ namespace torvane::BaseDirectory {
 
 namespace {
 
-/// The variable's value if it is an absolute path: the specification has relative ones ignored.
+/// The variable's value if it is an absolute path: the XDG base directories have relative ones ignored.
 QString absolutePath(const char* variable) {
     const QString path = QFile::decodeName(qgetenv(variable));
     return path.startsWith(QLatin1Char('/')) ? path : QString();

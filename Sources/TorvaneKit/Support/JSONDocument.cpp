@@ -101,7 +101,8 @@ char* afterDigits(char* text) {
 }
 
 char* afterBlanks(char* text) {
-    // Indentation, eight at a time; there is room behind the document.
+    // A line end and its indentation, eight at a time; there is room behind the document.
+    text += *text == '\n';
     while (std::memcmp(text, "        ", 8) == 0)
         text += 8;
     while (*text == ' ' || *text == '\n' || *text == '\r' || *text == '\t')

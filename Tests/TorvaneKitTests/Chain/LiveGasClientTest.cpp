@@ -71,7 +71,7 @@ class LiveGasClientTest final : public QObject {
 
     StandInServer m_primary;
     StandInServer m_fallback;
-    const LiveGasClient m_client;
+    LiveGasClient m_client;
 
     QString address(const StandInServer& server, const QString& path = {}) const { return server.url(path).toString(); }
 
@@ -284,6 +284,7 @@ private Q_SLOTS:
     }
 
     void aCallThatIsDroppedEndsItsConnection() {
+        NetworkClient::dropPooledConnections();
         m_primary.on("/", StandInAnswer::silent());
         {
             const Task<LiveGasQuote> call = m_client.ethereum();

@@ -82,8 +82,8 @@ private Q_SLOTS:
     void propertiesComeForTheIdsAndNamesAskedFor() {
         const QDBusMessage all = call(u"GetGroupProperties"_s, {QVariant::fromValue(QList<int>()), QStringList()});
         QCOMPARE(qdbus_cast<QList<MenuItemProperties>>(all.arguments().value(0)).size(), 5);
-        const QDBusMessage some = call(
-            u"GetGroupProperties"_s, {QVariant::fromValue(QList<int>{3, 99, -7}), QStringList{u"enabled"_s, u"no"_s}});
+        const QDBusMessage some = call(u"GetGroupProperties"_s, {QVariant::fromValue(QList<int>{3, 99, 3, -7}),
+                                                                 QStringList{u"enabled"_s, u"no"_s}});
         const auto group = qdbus_cast<QList<MenuItemProperties>>(some.arguments().value(0));
         QCOMPARE(group.size(), 1);
         QCOMPARE(group[0].properties, (QVariantMap{{u"enabled"_s, false}}));
@@ -104,7 +104,9 @@ private Q_SLOTS:
 
     void aGroupOfEventsTriggersTheKnownOnes() {
         QSignalSpy triggered(m_item.get(), &StatusNotifierItem::menuEntryTriggered);
-        const QList<MenuEvent> events{{1, u"clicked"_s, 0, 0}, {77, u"clicked"_s, u"x"_s, 1}, {4, u"clicked"_s, 0, 2}};
+        const QVariantMap nested{{u"a"_s, QVariantList{1, u"b"_s, QVariantMap{{u"c"_s, QStringList{u"d"_s}}}}}};
+        const QList<MenuEvent> events{
+            {1, u"clicked"_s, nested, 0}, {77, u"clicked"_s, u"x"_s, 1}, {4, u"clicked"_s, 0, 2}};
         const QDBusMessage reply = call(u"EventGroup"_s, {QVariant::fromValue(events)});
         QCOMPARE(qdbus_cast<QList<int>>(reply.arguments().value(0)), QList<int>{77});
         QTRY_COMPARE_WITH_TIMEOUT(triggered, (QList<QVariantList>{{1}, {4}}), limitMs);

@@ -99,6 +99,44 @@ Task<> endOwnerAtOnce(std::unique_ptr<Owner>& owner, int& alive) {
     co_return;
 }
 
+/// Ends when the gate opens, and throws then if it is told to.
+Task<> passGate(QSemaphore& gate, QStringList& log, QString name, bool fails) {
+    log.append(name + QLatin1String(" begins"));
+    const auto work = [&gate] {
+        gate.acquire();
+        return 1;
+    };
+    co_await detached(work);
+    log.append(name + QLatin1String(" ends"));
+    if (fails)
+        throw Bad(name.toStdString());
+}
+
+Task<> endAtOnce(QStringList& log, QString name) {
+    log.append(name + QLatin1String(" begins and ends"));
+    co_return;
+}
+
+Task<> both(Task<> first, Task<> second, QStringList& log) {
+    Task<> pair = whenBoth(std::move(first), std::move(second));
+    try {
+        co_await pair;
+        log.append(QStringLiteral("both ended"));
+    } catch (const Bad& bad) {
+        log.append(QLatin1String("failed: ") + QLatin1String(bad.what()));
+    }
+}
+
+Task<> dropOwner(std::unique_ptr<TaskScope>& owner, QSemaphore& gate, int& alive) {
+    const Alive guard(alive);
+    const auto work = [&gate] {
+        gate.acquire();
+        return 1;
+    };
+    co_await detached(work);
+    owner.reset();
+}
+
 Task<> keep(std::shared_ptr<int> token) {
     Q_UNUSED(token)
     co_return;
@@ -164,6 +202,90 @@ private Q_SLOTS:
         scope.run(endOwnerAtOnce(owner, alive));
         QVERIFY(!owner);
         QCOMPARE(alive, 0);
+    }
+
+    void twoTasksRunSideBySideAndBothAreAwaited() {
+        QSemaphore gate;
+        QStringList log;
+        TaskScope scope;
+        scope.run(both(passGate(gate, log, QStringLiteral("a"), false), passGate(gate, log, QStringLiteral("b"), false),
+                       log));
+        const QStringList begun{QStringLiteral("a begins"), QStringLiteral("b begins")};
+        QCOMPARE(log, begun);
+        gate.release(1);
+        QTRY_COMPARE(log, begun + QStringList{QStringLiteral("a ends")});
+        gate.release(1);
+        QTRY_COMPARE(log, begun + QStringList({QStringLiteral("a ends"), QStringLiteral("b ends"),
+                                               QStringLiteral("both ended")}));
+    }
+
+    void tasksThatEndAtOnceAreAwaitedToo() {
+        QSemaphore gate(1);
+        QStringList log;
+        TaskScope scope;
+        scope.run(both(endAtOnce(log, QStringLiteral("a")), endAtOnce(log, QStringLiteral("b")), log));
+        QCOMPARE(log.last(), QStringLiteral("both ended"));
+        log.clear();
+        scope.run(both(endAtOnce(log, QStringLiteral("a")), passGate(gate, log, QStringLiteral("b"), false), log));
+        QTRY_COMPARE(log.last(), QStringLiteral("both ended"));
+        QVERIFY(log.contains(QStringLiteral("b ends")));
+    }
+
+    void theFailureOfOneOfTwoWaitsForTheOther_data() {
+        QTest::addColumn<bool>("firstFails");
+        QTest::addColumn<bool>("secondFails");
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("first") << true << false << QStringLiteral("failed: a");
+        QTest::newRow("second") << false << true << QStringLiteral("failed: b");
+        QTest::newRow("both") << true << true << QStringLiteral("failed: a");
+    }
+
+    void theFailureOfOneOfTwoWaitsForTheOther() {
+        QFETCH(bool, firstFails);
+        QFETCH(bool, secondFails);
+        QSemaphore gate(2);
+        QStringList log;
+        TaskScope scope;
+        scope.run(both(passGate(gate, log, QStringLiteral("a"), firstFails),
+                       passGate(gate, log, QStringLiteral("b"), secondFails), log));
+        QTRY_COMPARE(log.size(), 5);
+        QTEST(log.last(), "outcome");
+    }
+
+    void destroyingTheScopeDestroysTwoTasksThatRunSideBySide() {
+        QSemaphore gate;
+        int alive = 0;
+        bool resumed = false;
+        QStringList log;
+        {
+            TaskScope scope;
+            scope.run(both(waitFor(gate, alive, resumed), waitFor(gate, alive, resumed), log));
+            QCOMPARE(alive, 2);
+        }
+        QCOMPARE(alive, 0);
+        gate.release(2);
+        worker().waitForDone();
+        QCoreApplication::processEvents();
+        QVERIFY(!resumed);
+        QVERIFY(log.isEmpty());
+    }
+
+    void oneOfTwoTasksMayEndTheOwnerOfBoth() {
+        QSemaphore gate;
+        int alive = 0;
+        bool resumed = false;
+        QStringList log;
+        auto scope = std::make_unique<TaskScope>();
+        TaskScope& running = *scope;
+        running.run(both(dropOwner(scope, gate, alive), waitFor(gate, alive, resumed), log));
+        QCOMPARE(alive, 2);
+        gate.release(1);
+        QTRY_COMPARE(alive, 0);
+        gate.release(1);
+        worker().waitForDone();
+        QCoreApplication::processEvents();
+        QVERIFY(!resumed);
+        QVERIFY(log.isEmpty());
     }
 
     void aTaskThatNobodyStartsDoesNothing() {
