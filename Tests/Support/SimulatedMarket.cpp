@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
+#include <utility>
 
 namespace torvane::SimulatedMarket {
 
@@ -31,7 +32,7 @@ struct Network {
     double addresses;
     double tvlUsd;
     double blockTimeSec;
-    bool paysInEther;
+    bool paysInEther; // Those that do also speak Ethereum's JSON-RPC.
 };
 
 constexpr std::array networks{
@@ -46,8 +47,16 @@ constexpr std::array networks{
     Network{"Starknet", "STRK", {19, 4.3, 0.06, 0.12}, 0, 2.5e5, 23'000, 2.4e8, 2.2, false},
 };
 
-constexpr Shape baseFee{1, 11, 0.55, 0.35};
+constexpr Shape baseFeeShape{1, 11, 0.55, 0.35};
 constexpr Shape etherPrice{2, 3420, 0.012, 0.008};
+
+/// The curve of priorityFeeShare, straight between these.
+constexpr std::array<std::pair<double, double>, 5> priorityFeeCurve{
+    {{0, 0}, {15, 0.012}, {50, 0.06}, {90, 0.18}, {100, 0.6}}};
+
+double secondsOf(const QDateTime& time) {
+    return static_cast<double>(time.toMSecsSinceEpoch()) / 1000;
+}
 
 /// Scrambles a counter into a number in -1..1 (the finaliser of SplitMix64).
 double scrambled(quint64 value) {
@@ -101,13 +110,12 @@ PriceData price(double seconds) {
 }
 
 GasData gas(double seconds, double ethPrice) {
-    const double base = value(baseFee, seconds);
-    const double tip = base * 0.06;
+    const double base = value(baseFeeShape, seconds);
     return {base,
-            base + 0.2 * tip,
-            base + tip,
-            base + 3 * tip,
-            history(baseFee, seconds, ethereumPoints),
+            base + base * priorityFeeShare(15),
+            base + base * priorityFeeShare(50),
+            base + base * priorityFeeShare(90),
+            history(baseFeeShape, seconds, ethereumPoints),
             costUsd(ethPrice, base, 21000),
             costUsd(ethPrice, base, 150000)};
 }
@@ -156,12 +164,33 @@ StakingData staking() {
 } // namespace
 
 Snapshot at(const QDateTime& time) {
-    const double seconds = static_cast<double>(time.toMSecsSinceEpoch()) / 1000;
+    const double seconds = secondsOf(time);
     const PriceData ether = price(seconds);
     QList<L2Entry> l2;
     for (const Network& network : networks)
         l2.append(entry(network, seconds, ether.eth));
     return {time.toUTC().toString(Qt::ISODateWithMs), ether, gas(seconds, ether.eth), l2, staking()};
+}
+
+double baseFee(const QDateTime& time) {
+    return value(baseFeeShape, secondsOf(time));
+}
+
+double priorityFeeShare(double percentile) {
+    const double bounded = std::clamp(percentile, 0.0, 100.0);
+    std::size_t upper = 1;
+    while (priorityFeeCurve.at(upper).first < bounded)
+        ++upper;
+    const auto [x0, y0] = priorityFeeCurve.at(upper - 1);
+    const auto [x1, y1] = priorityFeeCurve.at(upper);
+    return y0 + (y1 - y0) * (bounded - x0) / (x1 - x0);
+}
+
+std::optional<double> gasPrice(const QString& network, const QDateTime& time) {
+    const auto found = std::find_if(networks.begin(), networks.end(), [&network](const Network& each) {
+        return each.paysInEther && network == QLatin1StringView(each.name);
+    });
+    return found == networks.end() ? std::nullopt : std::optional(value(found->gasPrice, secondsOf(time)));
 }
 
 } // namespace torvane::SimulatedMarket

@@ -55,6 +55,8 @@ void StandInConnection::end(StandInAnswer::Ending ending) {
 }
 
 void StandInConnection::read() {
+    if (!m_socket->isOpen())
+        return; // It was called for before the connection ended.
     m_received += m_socket->readAll();
     if (m_isAnswering)
         return;

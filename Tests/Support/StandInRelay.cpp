@@ -3,6 +3,7 @@
 #include "Support/Clock.h"
 #include "Support/JSON.h"
 #include "Support/SimulatedMarket.h"
+#include "Support/StandInNodes.h"
 
 #include <QCryptographicHash>
 #include <QTimer>
@@ -48,15 +49,24 @@ StandInAnswer misbehaving(const QByteArray& kind, const QByteArray& body) {
     if (kind == "endless")
         return StandInAnswer::endlessBody();
     if (kind == "silence")
-        return StandInAnswer::raw({});
+        return StandInAnswer::silent();
+    if (kind == "off")
+        return StandInAnswer::ok({}).cutShortInHead(0, StandInAnswer::Ending::reset);
+    if (kind == "error")
+        return StandInAnswer::ok(StandInNodes::refusal());
     return StandInAnswer::ok("{\"generatedAt\": garbage");
 }
 
 bool isKind(const QByteArray& kind) {
-    static const QList<QByteArray> plain{"normal", "drip", "truncate", "endless", "garbage", "silence"};
+    static const QList<QByteArray> plain{"normal", "drip", "truncate", "endless", "garbage", "silence", "off"};
     if (kind.startsWith("status "))
         return kind.mid(7).toInt() >= 100 && kind.mid(7).toInt() <= 999;
     return plain.contains(kind) || kind.startsWith("redirect ");
+}
+
+/// A network's name as a part of an address.
+QString pathPart(const QString& network) {
+    return network.toLower().replace(QLatin1Char(' '), QLatin1Char('-'));
 }
 
 } // namespace
@@ -71,12 +81,31 @@ void StandInRelay::listen(const QString& certificate, quint16 port) {
     m_server = std::make_unique<StandInServer>(certificate, port);
     m_server->on("/snapshot.json", [this](const StandInRequest& request) { return answerSnapshot(request); });
     m_server->on("/control", [this](const StandInRequest& request) { return answerControl(request.body.trimmed()); });
+    listenForNodes();
+}
+
+void StandInRelay::listenForNodes() {
+    m_server->on("/", [this](const StandInRequest& request) {
+        return answerNode(request, StandInNodes::ethereum(request.body, Clock::now(), m_baseFee));
+    });
+    for (const L2Entry& entry : SimulatedMarket::at(Clock::now()).l2) {
+        const auto answerNetwork = [this, name = entry.name](const StandInRequest& request) {
+            const std::optional<double> price = SimulatedMarket::gasPrice(name, Clock::now());
+            return price ? answerNode(request, StandInNodes::l2(request.body, *price)) : StandInAnswer::status(404);
+        };
+        m_server->on("/rpc/" + pathPart(entry.name).toLatin1(), answerNetwork);
+    }
 }
 
 Snapshot StandInRelay::document() const {
     const qint64 seconds = Clock::now().toSecsSinceEpoch();
     const qint64 stamp = seconds - seconds % secondsPerDocument;
-    Snapshot snapshot = SimulatedMarket::at(QDateTime::fromSecsSinceEpoch(stamp, Qt::UTC));
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(stamp, Qt::UTC);
+    Snapshot snapshot = SimulatedMarket::at(time);
+    for (L2Entry& entry : snapshot.l2) {
+        if (SimulatedMarket::gasPrice(entry.name, time))
+            entry.rpc = {m_server->url(QStringLiteral("/rpc/") + pathPart(entry.name)).toString()};
+    }
     if (m_baseFee) {
         GasData& gas = snapshot.gas;
         const double scale = *m_baseFee / gas.baseFee;
@@ -93,6 +122,14 @@ StandInAnswer StandInRelay::answerSnapshot(const StandInRequest& request) const 
     return m_kind == "normal" ? asFile(body, request) : misbehaving(m_kind, body);
 }
 
+StandInAnswer StandInRelay::answerNode(const StandInRequest& request, const QByteArray& body) const {
+    if (request.method != "POST")
+        return StandInAnswer::status(405, "POST a JSON-RPC request");
+    if (m_nodesKind != "normal")
+        return misbehaving(m_nodesKind, body);
+    return StandInAnswer::ok(body).header("Content-Type", "application/json");
+}
+
 StandInAnswer StandInRelay::answerControl(const QByteArray& order) {
     const qsizetype blank = order.indexOf(' ');
     const QByteArray name = order.left(blank < 0 ? order.size() : blank);
@@ -105,6 +142,10 @@ bool StandInRelay::obeys(const QByteArray& name, const QByteArray& value) {
         return setBaseFee(value);
     if (name == "certificate")
         return setCertificate(value);
+    if (name == "nodes" && (isKind(value) || value == "error")) {
+        m_nodesKind = value;
+        return true;
+    }
     if (name != "answer" || !isKind(value))
         return false;
     m_kind = value;
@@ -113,7 +154,8 @@ bool StandInRelay::obeys(const QByteArray& name, const QByteArray& value) {
 
 bool StandInRelay::setBaseFee(const QByteArray& value) {
     const std::optional<double> fee = number(value);
-    if (!fee && !value.isEmpty())
+    const bool isPrice = fee && *fee >= 0 && *fee < 1e9; // Not a number fails both.
+    if (!isPrice && !value.isEmpty())
         return false;
     m_baseFee = fee;
     return true;

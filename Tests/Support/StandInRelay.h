@@ -7,12 +7,15 @@
 
 namespace torvane {
 
-/// A relay with a simulated market: it serves a snapshot.json that moves, and misbehaves on request. It is told so by a
-/// POST to /control whose body is one order:
-///     baseFee 7.5         Ethereum's base fee from now on, in gwei, with tiers to match; "baseFee" alone lets it move
-///     again answer KIND         how /snapshot.json is answered: normal, status CODE, redirect URL, drip, truncate,
-///     endless,
-///                         garbage, silence
+/// A relay with a simulated market, and the nodes of that market: /snapshot.json is a document that moves, a POST to /
+/// asks an Ethereum node and one to /rpc/NETWORK that network's (StandInNodes). All misbehave on request. They are told
+/// so by a POST to /control whose body is one order:
+///     baseFee 7.5         Ethereum's base fee from now on, in gwei, at the relay and at the nodes, with tiers to
+///     match;
+///                         "baseFee" alone lets it move again
+///     answer KIND         how /snapshot.json is answered: normal, status CODE, redirect URL, drip, truncate, endless,
+///                         garbage, silence, off (the connection is reset without a byte)
+///     nodes KIND          how the nodes answer: the same, and "error" (a JSON-RPC error object)
 ///     certificate NAME    which of the build's certificates it shows from the next connection on
 /// An order that it does not understand gets a 400.
 class StandInRelay final : public QObject {
@@ -28,7 +31,9 @@ public:
 
 private:
     void listen(const QString& certificate, quint16 port);
+    void listenForNodes();
     StandInAnswer answerSnapshot(const StandInRequest& request) const;
+    StandInAnswer answerNode(const StandInRequest& request, const QByteArray& body) const;
     StandInAnswer answerControl(const QByteArray& order);
     bool obeys(const QByteArray& name, const QByteArray& value);
     bool setBaseFee(const QByteArray& value);
@@ -37,6 +42,7 @@ private:
     std::unique_ptr<StandInServer> m_server;
     std::optional<double> m_baseFee;
     QByteArray m_kind = "normal";
+    QByteArray m_nodesKind = "normal";
 };
 
 } // namespace torvane
