@@ -7,9 +7,10 @@ rig_enter "$@"
 program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
 
 relay_start() {
+    rm -f "$RIG/log/relay" # The "ready" in it may be that of the relay before.
     "$relay_under_test" >"$RIG/log/relay" 2>&1 &
     relay=$!
-    rig_wait "the relay" grep -qx ready "$RIG/log/relay"
+    rig_wait "the relay" grep -qsx ready "$RIG/log/relay"
     relay_order "nodes off" # Live figures would hide the relay's.
 }
 
@@ -26,7 +27,7 @@ relay_order() {
 # The relay listens anew once the order is answered.
 relay_show_certificate() {
     relay_order "certificate $1"
-    rig_wait "the certificate $1" rig_not curl --silent --cacert "$anchor" "https://localhost:$port/control"
+    rig_wait "the certificate $1" rig_not curl --silent --output /dev/null --cacert "$anchor" "https://localhost:$port/control"
 }
 
 tool_tip_is() {
@@ -101,7 +102,7 @@ rig_wait "the badge to leave the panel" panel_equals "$RIG/empty.png"
 rm "$RIG/log/program"
 program_start "$program_under_test"
 program_wait "the cached figure" tool_tip_is "Low: 7.5 gwei"
-program_wait "the failed fetch" grep -q ' fail$' "$RIG/log/program"
+program_wait "the failed fetch" grep -qs ' fail$' "$RIG/log/program"
 rig_pass "a start without the relay shows the cached figure"
 
 relay_start

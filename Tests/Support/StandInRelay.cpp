@@ -8,6 +8,7 @@
 #include <QCryptographicHash>
 #include <QTimer>
 
+#include <algorithm>
 #include <charconv>
 
 namespace torvane {
@@ -16,8 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A new document twice a minute, so that each of the program's fetches finds one.
-constexpr qint64 secondsPerDocument = 30;
+/// As relays do: a new document each five minutes.
+constexpr qint64 secondsPerDocument = 300;
 
 std::optional<double> number(const QByteArray& text) {
     double value = 0;
@@ -111,8 +112,8 @@ Snapshot StandInRelay::document() const {
         const double scale = *m_baseFee / gas.baseFee;
         for (double* price : {&gas.baseFee, &gas.low, &gas.avg, &gas.high})
             *price *= scale;
-        // A document with other figures is another document.
-        snapshot.generatedAt = Clock::now().toString(Qt::ISODateWithMs);
+        // A document with other figures is another document, and stays it until the next.
+        snapshot.generatedAt = std::max(time, m_orderedAt).toString(Qt::ISODateWithMs);
     }
     return snapshot;
 }
@@ -158,6 +159,7 @@ bool StandInRelay::setBaseFee(const QByteArray& value) {
     if (!isPrice && !value.isEmpty())
         return false;
     m_baseFee = fee;
+    m_orderedAt = Clock::now();
     return true;
 }
 

@@ -41,6 +41,7 @@ private:
 
     std::unique_ptr<StandInServer> m_server;
     std::optional<double> m_baseFee;
+    QDateTime m_orderedAt; // The last base fee.
     QByteArray m_kind = "normal";
     QByteArray m_nodesKind = "normal";
 };

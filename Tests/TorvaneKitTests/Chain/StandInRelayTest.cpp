@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-const QDateTime start = QDateTime::fromSecsSinceEpoch(1'790'000'010, Qt::UTC); // A document's stamp.
+const QDateTime start = QDateTime::fromSecsSinceEpoch(1'790'000'100, Qt::UTC); // A document's stamp.
 QDateTime g_now = start;
 
 /// What a live call brings; fails the test where it throws.
