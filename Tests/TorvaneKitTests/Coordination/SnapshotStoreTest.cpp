@@ -75,11 +75,11 @@ private Q_SLOTS:
         QVERIFY(!m_store->lastUpdated.value());
         m_relay->on("/snapshot.json", StandInAnswer::status(503));
         m_store->start();
-        QTRY_COMPARE(m_relay->requests().size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(m_relay->requests().size(), 1, 30000);
         refresh();
         QVERIFY(!m_store->snapshot.value());
         serve(document());
-        QTRY_VERIFY((refresh(), m_store->snapshot.value().has_value()));
+        QTRY_VERIFY_WITH_TIMEOUT((refresh(), m_store->snapshot.value().has_value()), 30000);
         QCOMPARE(m_store->snapshot.value()->generatedAt, document().generatedAt);
         QCOMPARE(m_store->lastUpdated.value(), documentTime);
     }
@@ -97,7 +97,7 @@ private Q_SLOTS:
         openStore();
         m_store->start();
         QVERIFY(m_relay->requests().isEmpty());
-        QTRY_VERIFY(m_store->snapshot.value());
+        QTRY_VERIFY_WITH_TIMEOUT(m_store->snapshot.value(), 30000);
         QCOMPARE(m_relay->requests().size(), 1);
     }
 
@@ -134,7 +134,7 @@ private Q_SLOTS:
         QCOMPARE(cached(), damaged);
         serve(document());
         refresh();
-        QTRY_COMPARE(cached(), JSON::encode(document()));
+        QTRY_COMPARE_WITH_TIMEOUT(cached(), JSON::encode(document()), 30000);
     }
 
     void theCacheHoldsTheBytesAsReceived() {
@@ -142,14 +142,14 @@ private Q_SLOTS:
         m_relay->on("/snapshot.json", StandInAnswer::ok(spaced));
         openStore();
         refresh();
-        QTRY_COMPARE(cached(), spaced);
+        QTRY_COMPARE_WITH_TIMEOUT(cached(), spaced, 30000);
     }
 
     void whatWasFetchedIsThereAtTheNextStart() {
         serve(document());
         openStore();
         refresh();
-        QTRY_VERIFY(!cached().isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!cached().isEmpty(), 30000);
         m_store.reset();
         m_settings.reset();
         m_defaults = openDefaults();
@@ -164,7 +164,7 @@ private Q_SLOTS:
         openStore();
         m_store->rescheduleTimers();
         refresh();
-        QTRY_VERIFY(!cached().isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!cached().isEmpty(), 30000);
         QVERIFY(QFile::remove(cachePath()));
         const QPointer<QTimer> timer = relayTimer();
         const Announcements announced(*m_store);
@@ -201,7 +201,7 @@ private Q_SLOTS:
         QCOMPARE(m_store->lastUpdated.value(), documentTime.addSecs(60));
         QVERIFY(!timer);
         QCOMPARE(relayTimer()->interval(), 60'000);
-        QTRY_COMPARE(cached(), JSON::encode(document(1)));
+        QTRY_COMPARE_WITH_TIMEOUT(cached(), JSON::encode(document(1)), 30000);
     }
 
     void changesAreAnnouncedBeforeTheyTakeEffectWithTheNewValue() {
@@ -243,7 +243,7 @@ private Q_SLOTS:
         serve(document());
         openStore();
         refresh();
-        QTRY_COMPARE(cached(), JSON::encode(document()));
+        QTRY_COMPARE_WITH_TIMEOUT(cached(), JSON::encode(document()), 30000);
         const Announcements announced(*m_store);
         m_relay->on("/snapshot.json", answer);
         refresh();
@@ -270,25 +270,25 @@ private Q_SLOTS:
         m_relay->on("/snapshot.json", StandInAnswer::raw({})); // Never answered.
         openStore();
         m_store->start();
-        QTRY_COMPARE(m_relay->requests().size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(m_relay->requests().size(), 1, 30000);
         fire();
         refresh(); // Returns at once.
         refresh();
         QCOMPARE(m_relay->requests().size(), 1);
         serve(document());
         m_relay->closeConnections(StandInAnswer::Ending::closeNotify);
-        QTRY_VERIFY((refresh(), m_store->snapshot.value().has_value()));
+        QTRY_VERIFY_WITH_TIMEOUT((refresh(), m_store->snapshot.value().has_value()), 30000);
     }
 
     void eachFiringOfTheTimerFetches() {
         serve(document());
         openStore();
         m_store->start();
-        QTRY_VERIFY(m_store->snapshot.value());
+        QTRY_VERIFY_WITH_TIMEOUT(m_store->snapshot.value(), 30000);
         for (int minute = 1; minute <= 3; ++minute) {
             serve(document(minute));
             fire();
-            QTRY_COMPARE(m_store->snapshot.value()->generatedAt, document(minute).generatedAt);
+            QTRY_COMPARE_WITH_TIMEOUT(m_store->snapshot.value()->generatedAt, document(minute).generatedAt, 30000);
         }
         QCOMPARE(m_store->findChildren<QTimer*>().size(), 2); // The other is Ethereum's.
     }
@@ -297,9 +297,9 @@ private Q_SLOTS:
         m_relay->on("/snapshot.json", StandInAnswer::ok(JSON::encode(document())).dripped(1, std::chrono::seconds(1)));
         openStore();
         m_store->start();
-        QTRY_COMPARE(m_relay->requests().size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(m_relay->requests().size(), 1, 30000);
         m_store.reset();
-        QTRY_COMPARE(m_relay->openConnectionCount(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(m_relay->openConnectionCount(), 0, 30000);
     }
 
     void aManualRefreshAlwaysAsksTheRelay() {
@@ -310,7 +310,8 @@ private Q_SLOTS:
         refresh();
         const Announcements announced(*m_store);
         fire();
-        QTRY_COMPARE(announced.snapshots, 1); // From memory: the relay said that it stays good for an hour.
+        QTRY_COMPARE_WITH_TIMEOUT(announced.snapshots, 1,
+                                  30000); // From memory: the relay said that it stays good for an hour.
         QCOMPARE(m_relay->requests().size(), 1);
         refresh();
         QCOMPARE(m_relay->requests().size(), 2);

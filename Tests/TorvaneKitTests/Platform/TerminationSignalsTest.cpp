@@ -24,7 +24,7 @@ private Q_SLOTS:
         QSignalSpy received(&signals_, &TerminationSignals::received);
         std::raise(number);
         QCOMPARE(received.size(), 0); // Never inside the handler.
-        QTRY_COMPARE(received.size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(received.size(), 1, 30000);
     }
 
     void whatIsInterruptedKeepsItsErrorNumber() {

@@ -213,7 +213,7 @@ private Q_SLOTS:
         const QStringList begun{QStringLiteral("a begins"), QStringLiteral("b begins")};
         QCOMPARE(log, begun);
         gate.release(1);
-        QTRY_COMPARE(log, begun + QStringList{QStringLiteral("a ends")});
+        QTRY_COMPARE_WITH_TIMEOUT(log, begun + QStringList{QStringLiteral("a ends")}, 30000);
         gate.release(1);
         QTRY_COMPARE(log, begun + QStringList({QStringLiteral("a ends"), QStringLiteral("b ends"),
                                                QStringLiteral("both ended")}));
@@ -227,7 +227,7 @@ private Q_SLOTS:
         QCOMPARE(log.last(), QStringLiteral("both ended"));
         log.clear();
         scope.run(both(endAtOnce(log, QStringLiteral("a")), passGate(gate, log, QStringLiteral("b"), false), log));
-        QTRY_COMPARE(log.last(), QStringLiteral("both ended"));
+        QTRY_COMPARE_WITH_TIMEOUT(log.last(), QStringLiteral("both ended"), 30000);
         QVERIFY(log.contains(QStringLiteral("b ends")));
     }
 
@@ -248,7 +248,7 @@ private Q_SLOTS:
         TaskScope scope;
         scope.run(both(passGate(gate, log, QStringLiteral("a"), firstFails),
                        passGate(gate, log, QStringLiteral("b"), secondFails), log));
-        QTRY_COMPARE(log.size(), 5);
+        QTRY_COMPARE_WITH_TIMEOUT(log.size(), 5, 30000);
         QTEST(log.last(), "outcome");
     }
 
@@ -280,7 +280,7 @@ private Q_SLOTS:
         running.run(both(dropOwner(scope, gate, alive), waitFor(gate, alive, resumed), log));
         QCOMPARE(alive, 2);
         gate.release(1);
-        QTRY_COMPARE(alive, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(alive, 0, 30000);
         gate.release(1);
         worker().waitForDone();
         QCoreApplication::processEvents();
