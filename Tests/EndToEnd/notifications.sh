@@ -4,29 +4,8 @@
 # SHOTS=FOLDER keeps a picture of what the daemon shows.
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
+source "$(dirname "$0")/daemon.sh"
 program_under_test=$1
-received=$RIG/received
-
-# What the daemon shows it also hands to a script, which writes it down with the notification's number in front.
-daemon_configure() {
-    mkdir -p "$XDG_CONFIG_HOME/dunst"
-    cat >"$XDG_CONFIG_HOME/dunst/dunstrc" <<CONFIGURATION
-[global]
-    font = DejaVu Sans 11
-    width = 400
-    idle_threshold = 0
-[urgency_normal]
-    timeout = 0
-[write-down]
-    summary = "*"
-    script = $RIG/write-down
-CONFIGURATION
-    cat >"$RIG/write-down" <<SCRIPT
-#!/bin/sh
-printf '%s|%s|%s|%s|%s|%s\n' "\$DUNST_ID" "\$1" "\$2" "\$3" "\$5" "\$DUNST_DESKTOP_ENTRY" >>$received
-SCRIPT
-    chmod +x "$RIG/write-down"
-}
 
 # services_replace COMMAND: a call to the notification service starts this, and no longer what is installed.
 services_replace() {
@@ -43,10 +22,6 @@ services_restore() {
 
 services_reload() {
     dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.ReloadConfig >/dev/null
-}
-
-daemon_is_up() {
-    rig_has_name org.freedesktop.Notifications
 }
 
 # Sets `program` and, to the writing end of its input, descriptor 9.
@@ -68,21 +43,6 @@ program_end() {
     program_wait_end
 }
 
-received_are() {
-    [ -e "$received" ] && [ "$(wc -l <"$received")" -ge "$1" ]
-}
-
-# received_expect LINE...: exactly these, in the order of their numbers.
-received_expect() {
-    program_wait "$# notifications" received_are $#
-    diff <(printf '%s\n' "$@") <(sort -n "$received" | cut -d '|' -f 2-) || rig_fail "this is not what was announced"
-    rm "$received"
-}
-
-announced() {
-    echo "velisk|Gas is cheap|Base fee dropped to $1 gwei (below $2). Good window to transact.|NORMAL|org.velisk.Torvane"
-}
-
 daemon_configure
 cat >"$RIG/no-daemon" <<SCRIPT
 #!/bin/sh
@@ -96,9 +56,7 @@ program_wait "the call that wakes the daemon" test -s "$RIG/asked"
 rig_pass "the program runs on where no daemon can be started"
 
 screenshot "$RIG/empty.png"
-dunst >"$RIG/log/daemon" 2>&1 9>&- &
-daemon=$!
-rig_wait "the daemon" daemon_is_up
+daemon_start
 order 9 10 silent
 order 7 10 sound
 received_expect "$(announced 9.0 10)" "$(announced 7.0 10)"
