@@ -62,6 +62,7 @@ void SnapshotStore::loadCache() {
     try {
         const Snapshot loaded = JSON::decode<Snapshot>(*cached);
         m_sourceSnapshot = loaded;
+        m_sourceBody = *cached;
         snapshot = loaded;
         // Unlike a document that has just arrived, a cached one without a readable stamp has no known age.
         lastUpdated = parseInternetDateTime(loaded.generatedAt);
@@ -135,6 +136,10 @@ Task<> SnapshotStore::refreshSnapshot(CachePolicy policy) {
     try {
         Task<QByteArray> fetch = NetworkClient::request(relayRequest(policy));
         const QByteArray body = co_await fetch;
+        if (m_sourceSnapshot && body == m_sourceBody) {
+            reconsider(); // The very same bytes: decoding them again could bring nothing new.
+            co_return;
+        }
         const auto decode = [body] { return JSON::decode<Snapshot>(body); };
         const Snapshot fresh = co_await detached(decode);
         adopt(fresh, body);
@@ -146,14 +151,21 @@ Task<> SnapshotStore::refreshSnapshot(CachePolicy policy) {
 }
 
 void SnapshotStore::adopt(const Snapshot& fresh, const QByteArray& body) {
-    const bool isNew = !m_sourceSnapshot || m_sourceSnapshot->generatedAt != fresh.generatedAt;
-    if (isNew) {
-        m_sourceSnapshot = fresh;
-        m_defaults.setData(cacheKey, body);
+    if (m_sourceSnapshot && m_sourceSnapshot->generatedAt == fresh.generatedAt) {
+        reconsider();
+        return;
     }
+    m_sourceSnapshot = fresh;
+    m_sourceBody = body;
+    m_defaults.setData(cacheKey, body);
     updateMergedSnapshot();
-    if (isNew)
-        scheduleTimers(); // The followed network may have another block time, other nodes, or be gone.
+    scheduleTimers(); // The followed network may have another block time, other nodes, or be gone.
+    evaluateAlert();
+}
+
+/// The document is the one that we have; time has passed all the same.
+void SnapshotStore::reconsider() {
+    updateMergedSnapshot();
     evaluateAlert();
 }
 

@@ -64,6 +64,7 @@ private:
     void scheduleTimers();
     Task<> refreshSnapshot(CachePolicy policy);
     void adopt(const Snapshot& fresh, const QByteArray& body);
+    void reconsider();
 
     Task<> pollLive();
     Task<> pollEthereum();
@@ -82,6 +83,7 @@ private:
     UserDefaults& m_defaults;
     LiveGasClient m_liveClient;
     std::optional<Snapshot> m_sourceSnapshot; // As last decoded.
+    QByteArray m_sourceBody;                  // What it was decoded from.
     std::optional<TimedEthereumQuote> m_liveEthereum;
     QHash<QString, TimedL2Quote> m_liveL2; // By the network's name.
     std::optional<RepeatingTimer> m_snapshotTimer;

@@ -339,6 +339,21 @@ private Q_SLOTS:
         QVERIFY(m_store->snapshot.value());
     }
 
+    void theSameBytesAreNotDecodedAgain() {
+        serve(document());
+        openStore();
+        refresh();
+        const Announcements announced(*m_store);
+        const auto gate = std::make_shared<QSemaphore>();
+        worker().start([gate] { gate->acquire(); });
+        const auto open = qScopeGuard([gate] { gate->release(); });
+        const Task<> task = m_store->refresh();
+        task.start();
+        QTRY_VERIFY_WITH_TIMEOUT(announced.snapshots >= 1, 30000); // While the worker is held up.
+        gate->release();
+        QTRY_VERIFY_WITH_TIMEOUT(task.isDone(), 30000);
+    }
+
     void theRequestIsAGetOfTheDocument() {
         serve(document());
         openStore();
