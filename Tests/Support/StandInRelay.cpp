@@ -8,7 +8,6 @@
 #include <QCryptographicHash>
 #include <QTimer>
 
-#include <algorithm>
 #include <charconv>
 
 namespace torvane {
@@ -98,10 +97,16 @@ void StandInRelay::listenForNodes() {
     }
 }
 
-Snapshot StandInRelay::document() const {
+/// A document with an ordered base fee is one of its own, and stays until the next order.
+QDateTime StandInRelay::documentTime() const {
+    if (m_baseFee)
+        return m_orderedAt;
     const qint64 seconds = Clock::now().toSecsSinceEpoch();
-    const qint64 stamp = seconds - seconds % secondsPerDocument;
-    const QDateTime time = QDateTime::fromSecsSinceEpoch(stamp, Qt::UTC);
+    return QDateTime::fromSecsSinceEpoch(seconds - seconds % secondsPerDocument, Qt::UTC);
+}
+
+Snapshot StandInRelay::document() const {
+    const QDateTime time = documentTime();
     Snapshot snapshot = SimulatedMarket::at(time);
     for (L2Entry& entry : snapshot.l2) {
         if (SimulatedMarket::gasPrice(entry.name, time))
@@ -112,8 +117,6 @@ Snapshot StandInRelay::document() const {
         const double scale = *m_baseFee / gas.baseFee;
         for (double* price : {&gas.baseFee, &gas.low, &gas.avg, &gas.high})
             *price *= scale;
-        // A document with other figures is another document, and stays it until the next.
-        snapshot.generatedAt = std::max(time, m_orderedAt).toString(Qt::ISODateWithMs);
     }
     return snapshot;
 }

@@ -32,6 +32,7 @@ public:
 private:
     void listen(const QString& certificate, quint16 port);
     void listenForNodes();
+    QDateTime documentTime() const;
     StandInAnswer answerSnapshot(const StandInRequest& request) const;
     StandInAnswer answerNode(const StandInRequest& request, const QByteArray& body) const;
     StandInAnswer answerControl(const QByteArray& order);
