@@ -28,12 +28,6 @@ QDateTime snapshotDate(const Snapshot& snapshot) {
     return parseInternetDateTime(snapshot.generatedAt).value_or(Clock::now());
 }
 
-const L2Entry* findL2(const QString& name, const Snapshot& snapshot) {
-    const auto found = std::find_if(snapshot.l2.cbegin(), snapshot.l2.cend(),
-                                    [&name](const L2Entry& entry) { return entry.name == name; });
-    return found == snapshot.l2.cend() ? nullptr : &*found;
-}
-
 bool hasNodes(const std::optional<L2Entry>& network) {
     return network && network->rpc && !network->rpc->isEmpty();
 }
@@ -95,7 +89,7 @@ std::optional<L2Entry> SnapshotStore::selectedL2() const {
     const BadgeChain& chain = m_settings.badgeChain;
     if (chain.isEthereum() || !m_sourceSnapshot)
         return std::nullopt;
-    const L2Entry* found = findL2(chain.title(), *m_sourceSnapshot);
+    const L2Entry* found = findL2(chain.title(), m_sourceSnapshot->l2);
     return found ? std::optional(*found) : std::nullopt;
 }
 
@@ -232,7 +226,7 @@ std::optional<LiveGasQuote> SnapshotStore::freshEthereum(const QDateTime& now) c
 QList<LiveL2Quote> SnapshotStore::freshL2(const QDateTime& now) const {
     QList<LiveL2Quote> fresh;
     for (const TimedL2Quote& live : m_liveL2) {
-        const L2Entry* network = findL2(live.quote.name, *m_sourceSnapshot);
+        const L2Entry* network = findL2(live.quote.name, m_sourceSnapshot->l2);
         if (!network)
             continue;
         const double interval = livePollInterval(m_settings.liveCadence, LiveChain::l2, network->blockTimeSec);

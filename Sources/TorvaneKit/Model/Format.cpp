@@ -6,7 +6,6 @@
 
 #include <QLocale>
 
-#include <algorithm>
 #include <cmath>
 
 namespace torvane::Format {
@@ -32,12 +31,6 @@ QString tinyGwei(double value) {
         qFatal("Negative infinity is no gas price");
     const int digits = static_cast<int>(std::ceil(-std::log10(std::abs(value))) + 1);
     return trimZeros(fixedPoint(value, digits));
-}
-
-const L2Entry* findNetwork(const QList<L2Entry>& l2, const BadgeChain& chain) {
-    const auto found = std::find_if(l2.cbegin(), l2.cend(),
-                                    [name = chain.title()](const L2Entry& entry) { return entry.name == name; });
-    return found == l2.cend() ? nullptr : &*found;
 }
 
 QString ethereumValue(double price, Denomination denom, double ethPrice) {
@@ -117,14 +110,14 @@ QString badgeValue(const BadgeChain& chain, const GasData& gas, const QList<L2En
                    Denomination denom, double ethPrice) {
     if (chain.isEthereum())
         return ethereumValue(value(source, gas), denom, ethPrice);
-    const L2Entry* entry = findNetwork(l2, chain);
+    const L2Entry* entry = findL2(chain.title(), l2);
     return entry ? l2Value(*entry, denom) : emDash;
 }
 
 std::optional<QString> badgeTag(const BadgeChain& chain, const QList<L2Entry>& l2) {
     if (chain.isEthereum())
         return std::nullopt;
-    const L2Entry* entry = findNetwork(l2, chain);
+    const L2Entry* entry = findL2(chain.title(), l2);
     return entry ? std::optional(entry->tag) : std::nullopt;
 }
 

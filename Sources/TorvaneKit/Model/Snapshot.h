@@ -150,4 +150,7 @@ struct Snapshot {
     };
 };
 
+/// The first network of exactly this name, in the list; none when it is not listed.
+const L2Entry* findL2(const QString& name, const QList<L2Entry>& l2);
+
 } // namespace torvane

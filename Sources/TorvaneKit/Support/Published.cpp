@@ -1,1 +1,0 @@
-#include "Support/Published.h"
