@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+namespace torvane {
+
+/// A filled circle. It says nothing by itself: a word stands beside it wherever it does.
+class StatusDot final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `size` is the diameter in device-independent pixels.
+    explicit StatusDot(const QColor& color, double size = 7, QWidget* parent = nullptr);
+
+    void setColor(const QColor& color);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QColor m_color;
+    double m_size;
+};
+
+} // namespace torvane
