@@ -57,7 +57,8 @@ QVarLengthArray<CubicSegment, 5> EllipticalArc::segments() const {
 
     if (!std::isfinite(turn))
         return {CubicSegment{from, QPointF(turn, turn), to}};
-    const int count = std::max(1, static_cast<int>(std::ceil(std::abs(turn) / (pi / 2))));
+    // Rounding makes many a quarter turn a little more than one: that much is no reason for another segment.
+    const int count = std::max(1, static_cast<int>(std::ceil(std::abs(turn) / (pi / 2) - 1e-9)));
     const double step = turn / count;
     const double tangent = std::tan(step / 2);
     const double reach = std::sin(step) * (std::sqrt(4 + 3 * tangent * tangent) - 1) / 3;
