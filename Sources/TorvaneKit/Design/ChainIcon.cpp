@@ -67,14 +67,6 @@ QColor whitened(const QColor& color, float white) {
     return QColor::fromRgbF(channel(color.redF()), channel(color.greenF()), channel(color.blueF()));
 }
 
-void drawMark(QPainter& painter, const ChainMark& mark) {
-    painter.fillPath(Artwork::tile(), QColor::fromRgb(mark.background));
-    for (const ChainMark::Shape& shape : mark.shapes) {
-        const Qt::FillRule rule = shape.evenOdd ? Qt::OddEvenFill : Qt::WindingFill;
-        painter.fillPath(Artwork::path(shape.path, rule), QColor::fromRgb(shape.fill));
-    }
-}
-
 } // namespace
 
 ChainIcon::Info ChainIcon::info(const QString& name) {
@@ -97,15 +89,25 @@ void ChainIcon::draw(const QString& key, const QString& name, QPainter& ctx, con
 }
 
 void ChainIcon::paint(QPainter& painter, const QRectF& rectangle, const QString& name) {
+    const auto mark = ChainMarks::byName().constFind(name);
+    if (mark != ChainMarks::byName().cend()) {
+        paint(painter, rectangle, *mark);
+        return;
+    }
     Artwork::inBox(painter, rectangle, [&painter, &name] {
-        const auto mark = ChainMarks::byName().constFind(name);
-        if (mark != ChainMarks::byName().cend()) {
-            drawMark(painter, *mark);
-            return;
-        }
         const Info known = info(name);
         painter.fillPath(Artwork::tile(), known.color);
         draw(known.key, name, painter, known.color);
+    });
+}
+
+void ChainIcon::paint(QPainter& painter, const QRectF& rectangle, const ChainMark& mark) {
+    Artwork::inBox(painter, rectangle, [&painter, &mark] {
+        painter.fillPath(Artwork::tile(), QColor::fromRgb(mark.background));
+        for (const ChainMark::Shape& shape : mark.shapes) {
+            const Qt::FillRule rule = shape.evenOdd ? Qt::OddEvenFill : Qt::WindingFill;
+            painter.fillPath(Artwork::path(shape.path, rule), QColor::fromRgb(shape.fill));
+        }
     });
 }
 
