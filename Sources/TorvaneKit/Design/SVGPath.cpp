@@ -2,10 +2,12 @@
 
 #include "Design/EllipticalArc.h"
 #include "Support/JSONNumber.h"
+#include "Support/PowersOfTen.h"
 
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <string_view>
@@ -14,17 +16,50 @@ namespace torvane::SVGPath {
 
 namespace {
 
-constexpr std::string_view commandLetters = "MLHVCSQTAZmlhvcsqtaz";
+/// Stands for every character that path data has no use for, as all are outside ASCII.
+constexpr char foreign = '\x7f';
 
-/// Stands for every scalar outside ASCII: path data has no use for any of them.
-constexpr char foreignScalar = '\x7f';
+enum Kind : quint8 { other, separator, digit, commandLetter };
 
-bool isSeparator(char scalar) {
-    return scalar == ' ' || scalar == ',' || scalar == '\n' || scalar == '\t' || scalar == '\r';
+constexpr auto kinds = [] {
+    std::array<Kind, 128> result{};
+    for (const char each : std::string_view(" \t\n\r,"))
+        result[static_cast<std::size_t>(each)] = separator;
+    for (const char each : std::string_view("0123456789"))
+        result[static_cast<std::size_t>(each)] = digit;
+    for (const char each : std::string_view("MLHVCSQTAZmlhvcsqtaz"))
+        result[static_cast<std::size_t>(each)] = commandLetter;
+    return result;
+}();
+
+constexpr bool is(Kind kind, char scalar) {
+    return kinds[static_cast<std::size_t>(scalar)] == kind;
 }
 
-bool isDigit(char scalar) {
-    return scalar >= '0' && scalar <= '9';
+/// The digits of a number, read so far.
+struct Decimal {
+    const char* at;     ///< what follows them
+    quint64 digits = 0; ///< of more than 19 digits it has lost the first
+    qsizetype count = 0;
+
+    void readRun() {
+        const char* const begin = at;
+        for (; is(digit, *at); ++at)
+            digits = digits * 10 + static_cast<quint64>(*at - '0');
+        count += at - begin;
+    }
+};
+
+/// Passes an exponent, if there is one; false when it has no digits.
+bool passExponent(const char*& at) {
+    if (*at != 'e' && *at != 'E')
+        return true;
+    ++at;
+    at += *at == '-' || *at == '+';
+    const char* const begin = at;
+    while (is(digit, *at))
+        ++at;
+    return at > begin;
 }
 
 bool isRelative(char letter) {
@@ -68,14 +103,13 @@ private:
 
     std::optional<double> num();
     std::optional<QPointF> point(bool rel);
-    bool digits();
     bool another();
-    bool atCommand() const { return i < s.size() && commandLetters.find(s[i]) != std::string_view::npos; }
-    char here() const { return i < s.size() ? s[i] : '\0'; }
     void skipSeparators();
     void forgetControls();
 
-    Scalars s;
+    static constexpr char endOfText = '\0';
+
+    Scalars s; ///< with `endOfText` behind the last
     qsizetype i = 0;
     QPointF cur;
     QPointF start;
@@ -85,23 +119,23 @@ private:
 };
 
 Parser::Parser(QStringView text)
-    : s(text.size()) {
+    : s(text.size() + 1) {
     for (qsizetype at = 0; at < text.size(); ++at) {
         const char16_t unit = text[at].unicode();
-        s[at] = unit < 0x7f ? static_cast<char>(unit) : foreignScalar;
+        s[at] = unit > 0 && unit < 0x7f ? static_cast<char>(unit) : foreign;
     }
+    s[text.size()] = endOfText;
 }
 
 QPainterPath Parser::parse() {
     QPainterPath path;
     for (;;) {
         skipSeparators();
-        if (i == s.size())
+        if (s[i] == endOfText)
             return path;
-        if (atCommand())
-            cmd = s[i++];
-        else
+        if (!is(commandLetter, s[i]))
             return {}; // Every command but Z has read all its groups, Z takes none, and before the first there is none.
+        cmd = s[i++];
         if (!draw(path))
             return {};
     }
@@ -271,25 +305,27 @@ bool Parser::arc(QPainterPath& to, const EllipticalArc& arc) {
 /// The next number; none when there is none or it is malformed or too large. The index has passed what was read anyway.
 std::optional<double> Parser::num() {
     skipSeparators();
-    const bool plus = here() == '+';
-    const qsizetype begin = i + plus; // The conversion knows no such sign.
-    i += plus || here() == '-';
-    bool any = digits();
-    if (here() == '.') {
-        ++i;
-        any = digits() || any;
+    const char* const begin = s.constData() + i + (s[i] == '+' || s[i] == '-');
+    Decimal decimal{begin};
+    decimal.readRun();
+    const qsizetype whole = decimal.count;
+    if (*decimal.at == '.') {
+        ++decimal.at;
+        decimal.readRun();
     }
-    if (here() == 'e' || here() == 'E') {
-        ++i;
-        if (here() == '-' || here() == '+')
-            ++i;
-        if (!digits())
-            return std::nullopt;
-    }
-    if (!any)
+    const char* const mark = decimal.at;
+    const bool isWhole = passExponent(decimal.at) && decimal.count > 0;
+    const bool minus = s[i] == '-';
+    i = decimal.at - s.constData();
+    if (!isWhole)
         return std::nullopt;
-    const double value = JSON::numberValue({s.data() + begin, static_cast<std::size_t>(i - begin)});
-    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+    const double value =
+        decimal.at == mark && decimal.count < 16
+            ? static_cast<double>(decimal.digits) / exactPowersOfTen[static_cast<std::size_t>(decimal.count - whole)]
+            : JSON::numberValue({begin, static_cast<std::size_t>(decimal.at - begin)});
+    if (!std::isfinite(value))
+        return std::nullopt;
+    return minus ? -value : value;
 }
 
 std::optional<QPointF> Parser::point(bool rel) {
@@ -300,23 +336,17 @@ std::optional<QPointF> Parser::point(bool rel) {
     return rel ? QPointF(cur.x() + *x, cur.y() + *y) : QPointF(*x, *y);
 }
 
-/// Passes a run of digits; false when there is none.
-bool Parser::digits() {
-    const qsizetype begin = i;
-    while (isDigit(here()))
-        ++i;
-    return i > begin;
-}
-
 /// Whether the command in force has another group.
 bool Parser::another() {
     skipSeparators();
-    return i < s.size() && !atCommand();
+    return s[i] != endOfText && !is(commandLetter, s[i]);
 }
 
 void Parser::skipSeparators() {
-    while (isSeparator(here()))
-        ++i;
+    const char* at = s.constData() + i;
+    while (is(separator, *at))
+        ++at;
+    i = at - s.constData();
 }
 
 void Parser::forgetControls() {
