@@ -1,25 +1,15 @@
-#include "TorvaneKitTests/Coordination/LiveStore.h"
+#include "TorvaneKitTests/Coordination/LiveStoreFixture.h"
 
-#include <QLoggingCategory>
 #include <QTest>
 
 using namespace torvane;
 
-class CatchUpTest final : public QObject {
+class CatchUpTest final : public LiveStoreFixture {
     Q_OBJECT
 
-    std::unique_ptr<LiveStore> m_live;
+    void prepare() override { m_live->settings.badgeChain = BadgeChain::l2(QStringLiteral("Base")); }
 
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
-
-    void init() {
-        m_live = std::make_unique<LiveStore>();
-        m_live->settings.badgeChain = BadgeChain::l2(QStringLiteral("Base"));
-    }
-
-    void cleanup() { m_live.reset(); }
-
     void afterANightAsleepEverythingIsFetchedAtOnce() {
         m_live->openAndRefresh();
         m_live->setTime(8 * 3600);
