@@ -3,8 +3,8 @@
 #include <QStringView>
 
 /// The networks' emblems as SVG path data in a box of 24 by 24 units: what the coloured and the monochrome marks share.
-/// Holes run against their outlines, so that either fill rule leaves them open. No gap is thinner than 1.2 units: it
-/// has to be seen at 15 pixels.
+/// Holes run against their outlines, so that either fill rule leaves them open. No gap but a pointed one is thinner
+/// than 1.2 units: it has to be seen at 15 pixels.
 namespace torvane::ChainArtwork {
 
 /// An eight-sided stone seen from the side, cut through below its widest place.
