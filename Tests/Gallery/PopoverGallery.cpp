@@ -1,11 +1,8 @@
 // Writes pictures of the popover in all its states: PopoverGallery FOLDER [STATE...]. popover-STATE-LOOK-SCALEx.png,
 // LOOK being light or dark. The fonts are the desktop's.
 
-#include "Coordination/SnapshotStore.h"
 #include "Design/DesignSystem.h"
-#include "Support/Clock.h"
-#include "Support/SampleSnapshot.h"
-#include "Views/PlainButton.h"
+#include "Support/PopoverScene.h"
 #include "Views/PopoverView.h"
 
 #include <QApplication>
@@ -13,7 +10,6 @@
 #include <QImage>
 #include <QLocale>
 #include <QPainter>
-#include <QTemporaryDir>
 
 #include <cstdio>
 #include <functional>
@@ -23,40 +19,12 @@ using namespace torvane;
 
 namespace {
 
-const QDateTime now = QDateTime::fromSecsSinceEpoch(1790000000, Qt::UTC);
-
-QDateTime fixedTime() {
-    return now;
-}
-
-/// The program's parts without a network, and the popover that shows them.
-struct Scene {
-    Scene() {
-        store.snapshot = SampleSnapshot::busyHour();
-        store.lastUpdated = now.addSecs(-5);
-        store.ethereumBlockNumber = 21000000;
-        settings.badgeChain = BadgeChain::l2(u"Arbitrum"_s);
-    }
-
-    QTemporaryDir home;
-    UserDefaults defaults{home.filePath(u"preferences.json"_s), home.filePath(u"cache"_s)};
-    AppSettings settings{defaults};
-    SnapshotStore store{settings, defaults};
-};
-
-/// Changes the published snapshot.
-void change(Scene& scene, const std::function<void(Snapshot&)>& edit) {
-    Snapshot snapshot = *scene.store.snapshot.value();
-    edit(snapshot);
-    scene.store.snapshot = snapshot;
-}
-
 struct State {
     const char* name;
-    std::function<void(Scene&)> prepare;
+    std::function<void(PopoverScene&)> prepare;
 };
 
-void switchAllOff(Scene& scene) {
+void switchAllOff(PopoverScene& scene) {
     for (const L2Entry& entry : scene.store.snapshot.value()->l2)
         scene.settings.toggle(entry.name);
 }
@@ -83,31 +51,31 @@ void shrinkFigures(Snapshot& snapshot) {
 }
 
 const QList<State> states{
-    {"usual", [](Scene&) {}},
-    {"ethereum", [](Scene& scene) { scene.settings.badgeChain = BadgeChain::ethereum(); }},
+    {"usual", [](PopoverScene&) {}},
+    {"ethereum", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::ethereum(); }},
     {"loading",
-     [](Scene& scene) {
+     [](PopoverScene& scene) {
          scene.store.snapshot = std::nullopt;
          scene.store.lastUpdated = std::nullopt;
      }},
     {"old",
-     [](Scene& scene) {
-         scene.store.lastUpdated = now.addSecs(-47 * 60);
+     [](PopoverScene& scene) {
+         scene.store.lastUpdated = PopoverScene::now().addSecs(-47 * 60);
          scene.store.ethereumBlockNumber = std::nullopt;
      }},
-    {"no-time", [](Scene& scene) { scene.store.lastUpdated = std::nullopt; }},
-    {"no-history", [](Scene& scene) { change(scene, forgetHistories); }},
+    {"no-time", [](PopoverScene& scene) { scene.store.lastUpdated = std::nullopt; }},
+    {"no-history", [](PopoverScene& scene) { scene.change(forgetHistories); }},
     {"all-off", switchAllOff},
-    {"chain-missing", [](Scene& scene) { scene.settings.badgeChain = BadgeChain::l2(u"Nowhere"_s); }},
-    {"sixty", [](Scene& scene) { change(scene, [](Snapshot& it) { it.l2 = SampleSnapshot::networks(60); }); }},
+    {"chain-missing", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::l2(u"Nowhere"_s); }},
+    {"sixty", [](PopoverScene& scene) { scene.change([](Snapshot& it) { it.l2 = SampleSnapshot::networks(60); }); }},
     {"long-names",
-     [](Scene& scene) {
-         change(scene, lengthenNames);
+     [](PopoverScene& scene) {
+         scene.change(lengthenNames);
          scene.settings.badgeChain = BadgeChain::l2(scene.store.snapshot.value()->l2.first().name);
      }},
-    {"usd", [](Scene& scene) { scene.settings.denom = Denomination::usd; }},
-    {"german", [](Scene&) { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }},
-    {"tiny", [](Scene& scene) { change(scene, shrinkFigures); }},
+    {"usd", [](PopoverScene& scene) { scene.settings.denom = Denomination::usd; }},
+    {"german", [](PopoverScene&) { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }},
+    {"tiny", [](PopoverScene& scene) { scene.change(shrinkFigures); }},
 };
 
 /// The view on a window's ground, upon something of a desktop.
@@ -135,9 +103,9 @@ QImage picture(PopoverView& view, double scale) {
 }
 
 bool write(const State& state, const QDir& folder) {
-    QLocale::setDefault(QLocale::c());
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    Scene scene;
+    PopoverScene scene;
+    scene.settings.badgeChain = BadgeChain::l2(u"Arbitrum"_s);
     state.prepare(scene);
     PopoverView view(scene.store, scene.settings);
     view.setAttribute(Qt::WA_DontShowOnScreen);
@@ -165,7 +133,6 @@ int main(int argc, char** argv) {
         std::fputs("Use: PopoverGallery FOLDER [STATE...]\n", stderr);
         return 2;
     }
-    Clock::setSource(&fixedTime);
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     const QStringList wanted = QApplication::arguments().mid(2);
     bool ok = true;

@@ -17,7 +17,7 @@ L2Entry network(const QString& name, const QString& status, std::optional<double
     entry.costGwei = gwei;
     entry.costUsd = usd;
     if (gwei)
-        entry.history = walk(48, *gwei, *gwei / 2);
+        entry.history = walk(48, *gwei, *gwei / 2, unsigned(name.size() * 31) + unsigned(*gwei * 1e6));
     return entry;
 }
 
@@ -42,8 +42,8 @@ QList<L2Entry> networks(qsizetype count) {
     return entries;
 }
 
-QList<double> walk(qsizetype count, double middle, double step) {
-    std::minstd_rand random(7); // NOLINT(cert-msc51-cpp): the same each time.
+QList<double> walk(qsizetype count, double middle, double step, unsigned seed) {
+    std::minstd_rand random(seed);
     QList<double> values;
     double value = middle;
     for (qsizetype i = 0; i < count; ++i) {

@@ -11,6 +11,6 @@ Snapshot busyHour();
 QList<L2Entry> networks(qsizetype count);
 
 /// A series of this length around a middle, the same each time.
-QList<double> walk(qsizetype count, double middle, double step);
+QList<double> walk(qsizetype count, double middle, double step, unsigned seed = 7);
 
 } // namespace torvane::SampleSnapshot

@@ -33,22 +33,30 @@ ChartView::ChartView(QSize chartSize, const QString& placeholder, QWidget* paren
     , m_placeholder(new Paragraph({Fonts::sans(10.5, QFont::Normal), Palette::ink3, lineHeight}, chartSize.width(),
                                   placeholder)) {
     m_sparkline->setFixedHeight(chartSize.height());
-    setLayout(column(row(m_heading, Space{columnGap}, stretch, m_caption), Space{5}, m_sparkline, m_placeholder));
+    m_caption->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // It has what the heading leaves.
+    setLayout(column(row(m_heading, Space{columnGap}, m_caption), Space{5}, m_sparkline, m_placeholder));
 }
 
 void ChartView::setChart(const QString& heading, const std::optional<ChartHistory>& history) {
     m_heading->setText(heading);
-    m_caption->setText(history ? caption(*history) : QString());
+    m_caption->setText(history ? caption(*history) : QString(), history ? range(*history) : QString());
+    m_heading->setFixedWidth(std::min(m_heading->sizeHint().width(), m_placeholder->sizeHint().width() - columnGap -
+                                                                         m_caption->minimumSizeHint().width()));
+    m_heading->setVisible(!heading.isEmpty());
+    m_caption->setVisible(!heading.isEmpty());
     m_sparkline->setSeries(heading, history ? history->values : QList<double>());
     m_sparkline->setVisible(history.has_value());
     m_placeholder->setVisible(!history.has_value());
 }
 
 QString ChartView::caption(const ChartHistory& history) {
+    return QStringLiteral("%1 · Average %2").arg(range(history), Format::gwei(average(history.values)));
+}
+
+QString ChartView::range(const ChartHistory& history) {
     const auto [low, high] = std::minmax_element(history.values.cbegin(), history.values.cend());
     const auto [lowLabel, highLabel] = Format::rangeLabels(*low, *high);
-    return QStringLiteral("%1 – %2 %3 · Average %4")
-        .arg(lowLabel, highLabel, history.unit, Format::gwei(average(history.values)));
+    return QStringLiteral("%1 – %2 %3").arg(lowLabel, highLabel, history.unit);
 }
 
 } // namespace torvane

@@ -24,6 +24,9 @@ public:
     /// The range and the average of a series of at least one value: "9.2 – 24.8 gwei · Average 13.9".
     static QString caption(const ChartHistory& history);
 
+    /// The range alone, where there is no room for both.
+    static QString range(const ChartHistory& history);
+
 private:
     TextLine* m_heading;
     TextLine* m_caption;

@@ -23,7 +23,7 @@ public:
     static constexpr double textStart = markSize + 10;
 
     /// True when the name is cut off in this room.
-    bool isNameCut(double room) const { return m_name.width() >= room - textStart + 1; }
+    bool isNameCut(double room) const { return !m_name.fits(room - textStart); }
 
     /// Draws it from this corner within `room`, the status in its colour.
     void paint(QPainter& painter, QPointF corner, double room, const QColor& statusColor);

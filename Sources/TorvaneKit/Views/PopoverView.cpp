@@ -69,7 +69,7 @@ QLayout* PopoverView::header() {
         level->setLevel(gasLevel(snapshot.gas.baseFee));
     });
     auto* tile = new HeadSymbol(QStringLiteral("fuelpump.fill"));
-    return padded({margin, 9, margin, 12},
+    return padded({margin, 12, margin, 12},
                   row(column(stretch, tile), Space{10},
                       column(row(title, Space{10}, figure), Space{1}, row(block, Space{10}, stretch, level))));
 }
@@ -115,8 +115,9 @@ QLayout* PopoverView::costs() {
 QLayout* PopoverView::price() {
     constexpr int height = 16;
     auto* label = new TextLine({Fonts::sans(10.5, QFont::Medium), Palette::ink2, height}, QStringLiteral("ETH price"));
-    auto* price = new TextLine({Fonts::mono(12, QFont::Medium), Palette::ink, height});
-    auto* change = new TextLine({Fonts::mono(12, QFont::Medium), Palette::ink, height});
+    const TextStyle figure{Fonts::mono(12, QFont::Medium), Palette::ink, height, {}, Qt::AlignRight};
+    auto* price = new TextLine(figure);
+    auto* change = new TextLine(figure);
     bind([price, change](const Snapshot& snapshot) {
         price->setText(Format::ethPrice(snapshot.price.eth));
         change->setText(Format::pct(snapshot.price.change24h));

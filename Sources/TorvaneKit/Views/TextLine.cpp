@@ -9,6 +9,9 @@ namespace torvane {
 
 namespace {
 
+/// More than any line may insist on.
+constexpr int mostWidth = 200;
+
 bool isSame(const DynamicColor& a, const DynamicColor& b) {
     return a.dark == b.dark && a.darkOpacity == b.darkOpacity && a.light == b.light && a.lightOpacity == b.lightOpacity;
 }
@@ -22,14 +25,16 @@ DynamicColor always(const QColor& color) {
 TextLine::TextLine(const TextStyle& style, const QString& text, QWidget* parent)
     : QWidget(parent)
     , m_style(style)
-    , m_run(style.font) {
+    , m_run(style.font)
+    , m_shorter(style.font) {
     installAccessibility();
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setText(text);
 }
 
-void TextLine::setText(const QString& text) {
+void TextLine::setText(const QString& text, const QString& shorter) {
     const QSize before = sizeHint();
+    m_shorter.setText(shorter);
     if (!m_run.setText(text))
         return;
     tellAccessibleName(*this, m_run.text());
@@ -50,13 +55,16 @@ QSize TextLine::sizeHint() const {
 }
 
 QSize TextLine::minimumSizeHint() const {
-    return {0, m_style.height};
+    return {std::min(static_cast<int>(std::ceil(m_shorter.width())), mostWidth), m_style.height};
+}
+
+bool TextLine::isCut() const {
+    return !m_run.fits(width());
 }
 
 bool TextLine::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        const bool isCut = m_run.width() >= width() + 1;
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), isCut ? m_run.text() : QString(), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), isCut() ? m_run.text() : QString(), this);
         return true;
     }
     return QWidget::event(event);
@@ -66,10 +74,12 @@ void TextLine::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(m_style.color);
     const int baseline = m_style.baseline.value_or(TextRun::baseline(m_style.font, m_style.height));
+    const bool isShortened = isCut() && !m_shorter.text().isEmpty();
+    const TextRun& run = isShortened ? m_shorter : m_run;
     if (m_style.alignment & Qt::AlignRight)
-        m_run.drawRight(painter, QPointF(width(), baseline), width());
+        run.drawRight(painter, QPointF(width(), baseline), width());
     else
-        m_run.draw(painter, QPointF(0, baseline), width());
+        run.draw(painter, QPointF(0, baseline), width());
 }
 
 } // namespace torvane

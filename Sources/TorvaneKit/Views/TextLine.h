@@ -31,7 +31,9 @@ public:
     explicit TextLine(const TextStyle& style, const QString& text = {}, QWidget* parent = nullptr);
 
     QString text() const { return m_run.text(); }
-    void setText(const QString& text);
+
+    /// `shorter` stands in its place where the text does not fit; there is always room for it.
+    void setText(const QString& text, const QString& shorter = {});
 
     void setColor(const DynamicColor& color);
 
@@ -44,8 +46,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    bool isCut() const;
+
     TextStyle m_style;
     TextRun m_run;
+    TextRun m_shorter;
 };
 
 } // namespace torvane

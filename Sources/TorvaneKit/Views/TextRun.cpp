@@ -23,6 +23,11 @@ double TextRun::width() const {
     return m_whole->width;
 }
 
+bool TextRun::fits(double room) const {
+    // A layout's whole pixels may fall short of a width by less than one, which no eye sees.
+    return width() < room + 1;
+}
+
 void TextRun::draw(QPainter& painter, QPointF baseline, double room) const {
     const Shape& shape = this->shape(room);
     for (const QGlyphRun& run : shape.glyphs)
@@ -30,8 +35,10 @@ void TextRun::draw(QPainter& painter, QPointF baseline, double room) const {
 }
 
 void TextRun::drawRight(QPainter& painter, QPointF baseline, double room) const {
-    // Whole pixels: between them, hinted letters blur.
-    draw(painter, baseline - QPointF(std::ceil(shape(room).width), 0), room);
+    // Whole pixels of the screen: between them, letters blur.
+    const double scale = painter.deviceTransform().m11();
+    const double left = std::round((baseline.x() - shape(room).width) * scale) / scale;
+    draw(painter, {left, baseline.y()}, room);
 }
 
 int TextRun::baseline(const QFont& font, double height) {
@@ -53,8 +60,7 @@ TextRun::Shape TextRun::shaped(const QString& text) const {
 }
 
 const TextRun::Shape& TextRun::shape(double room) const {
-    // A layout's whole pixels may fall short of a width by less than one, which no eye sees.
-    if (width() < room + 1)
+    if (fits(room))
         return *m_whole;
     if (!m_elided || m_elidedRoom != room) {
         m_elided = shaped(QFontMetricsF(m_font).elidedText(m_text, Qt::ElideRight, room));

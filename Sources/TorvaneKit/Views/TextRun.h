@@ -24,6 +24,9 @@ public:
     /// Of the whole text, in device-independent pixels.
     double width() const;
 
+    /// Whether the whole text fits.
+    bool fits(double room) const;
+
     /// Draws within `room`, from the baseline's left end.
     void draw(QPainter& painter, QPointF baseline, double room) const;
 

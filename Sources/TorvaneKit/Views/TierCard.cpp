@@ -59,7 +59,7 @@ void TierCard::paintEvent(QPaintEvent*) {
     m_label.draw(painter, {padding, labelBaseline}, room - 2 * dotSize);
     m_sub.draw(painter, {padding, subBaseline}, room);
     painter.setPen(Palette::ink);
-    const TextRun& figure = m_gwei.width() <= room ? m_gwei : m_smallGwei; // A figure is worth more than its size.
+    const TextRun& figure = m_gwei.fits(room) ? m_gwei : m_smallGwei; // A figure is worth more than its size.
     figure.draw(painter, {padding, gweiBaseline}, room);
 }
 
