@@ -27,11 +27,10 @@ inline constexpr QStringView optimism =
 /// A disc with a slot from its left edge to past its middle.
 inline constexpr QStringView base = u"M3.45 11.05A8.6 8.6 0 1 1 3.45 12.95H15.2V11.05Z";
 
-/// A feather, and the slit along its shaft.
+/// A feather; the slit along its shaft is open at the foot.
 inline constexpr QStringView robinhoodFeather =
-    u"M5.6 21.6C5.2 13.2 8.2 5.9 14.6 2.8L19 2.2C19.8 6 19.2 8.9 17.6 11.3L14.2 11.6L16.4 13C14.7 15.6 12.3 17 9.2 17.1"
-    "C8.4 18.5 7.8 20 7.4 21.6Z"
-    "M7.6 17.2C8.1 17.4 8.6 17.4 9.3 17.1C10.4 13.2 12.4 9.6 15.4 5.4C11.2 9 8.8 13.2 7.6 17.2Z";
+    u"M5.6 21.6C5.2 13.2 8.2 5.9 14.6 2.8L19 2.2C19.8 6 19.2 8.9 17.6 11.3L14.2 11.6L16.4 13C14.8 15.5 12.8 16.8 9.9 17"
+    "C10.8 13.2 12.5 9.6 15.4 5.4C11.2 9 8.6 13.2 7.9 18.2C7.6 19.4 7.4 20.5 7.4 21.6Z";
 
 /// Two half arrows that pass each other; either is the other turned by half a circle.
 inline constexpr QStringView zkSyncLeft = u"M1.7 11.2L9.2 4.2V7.2H17.3L9.2 13.2V11.2Z";
@@ -52,7 +51,7 @@ inline constexpr QStringView lineaDot = u"M13.2 6.4A3 3 0 1 1 19.2 6.4A3 3 0 1 1
 
 /// A wave with a crest along its back, a star and a dot.
 inline constexpr QStringView starknetCrest =
-    u"M2.4 16.6C4.2 9.6 9.6 5.8 15.4 6C17.8 6.1 19.8 6.8 21.6 7.6C18 13 12 12 2.4 16.6Z";
+    u"M2.4 16.6C4.2 9.6 9.6 5.8 15.4 6C17.8 6.1 19.8 6.8 21.6 7.6C19.5 8.3 17.5 8.6 15 8.9C10 9.4 6 12 2.4 16.6Z";
 inline constexpr QStringView starknetWave = u"M2.4 16.6C5.6 10.6 10.2 7.9 15.4 7.9C17.6 7.9 19.6 8.1 21.6 7.6C18.4 8.9 "
                                             u"16.8 11 15.2 14C13.4 17.6 11 19.6 7.7 19.3"
                                             "C5.5 19.1 3.6 18.2 2.4 16.6Z";

@@ -1,6 +1,7 @@
 #include "Views/PlainButton.h"
 
 #include "Design/DesignSystem.h"
+#include "Views/Drawing.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -52,10 +53,8 @@ void PlainButton::paintEvent(QPaintEvent*) {
     if (isDown() || underMouse() || isFocusShown) {
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF shape = QRectF(rect()).adjusted(sideMargin, 0, -sideMargin, 0);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(isDown() ? Palette::surface3 : Palette::surface2));
         if (isDown() || underMouse())
-            painter.drawRoundedRect(shape, radius, radius);
+            fillRoundedRect(painter, shape, radius, isDown() ? Palette::surface3 : Palette::surface2);
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(QColor(Palette::ink3), focusWidth));
         const double half = focusWidth / 2;

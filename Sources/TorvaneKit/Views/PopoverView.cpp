@@ -1,12 +1,11 @@
 #include "Views/PopoverView.h"
 
-#include "Design/Symbols.h"
 #include "Model/Format.h"
 #include "Views/ActionRow.h"
 #include "Views/ChartView.h"
 #include "Views/Composition.h"
 #include "Views/FigureLine.h"
-#include "Views/HeadSymbol.h"
+#include "Views/SymbolTile.h"
 #include "Views/L2Detail.h"
 #include "Views/L2List.h"
 #include "Views/LevelLine.h"
@@ -68,7 +67,7 @@ QLayout* PopoverView::header() {
         block->setText(blockCaption(m_store.ethereumBlockNumber, snapshot));
         level->setLevel(gasLevel(snapshot.gas.baseFee));
     });
-    auto* tile = new HeadSymbol(QStringLiteral("fuelpump.fill"));
+    auto* tile = new SymbolTile(QStringLiteral("fuelpump.fill"), {30, 9, 18}, {Palette::surface3, Palette::ink});
     return padded({margin, 12, margin, 12},
                   row(column(stretch, tile), Space{10},
                       column(row(title, Space{10}, figure), Space{1}, row(block, Space{10}, stretch, level))));
