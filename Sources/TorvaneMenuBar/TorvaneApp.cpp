@@ -1,6 +1,5 @@
 #include "TorvaneApp.h"
 
-#include "Badge/BadgeText.h"
 #include "Coordination/Notifications.h"
 #include "TimerSettings.h"
 
@@ -10,27 +9,27 @@ namespace torvane {
 
 TorvaneApp::TorvaneApp()
     : m_badge(QDBusConnection::sessionBus()) {
-    connect(&m_store, &ObservableObject::objectWillChange, this, &TorvaneApp::showBadgeSoon);
-    connect(&m_settings, &ObservableObject::objectWillChange, this, &TorvaneApp::showBadgeSoon);
-    connect(&m_badge, &StatusItemBadge::refreshRequested, this, [this] { m_tasks.run(m_store.refresh()); });
-    connect(&m_badge, &StatusItemBadge::quitRequested, this, &QCoreApplication::quit);
-    m_badge.show(badgeLook(m_store.snapshot, m_settings));
+    connect(&m_feed, &BadgeFeed::lookChanged, &m_badge, &BadgeHost::show);
+    connect(&m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
+    m_badge.show(m_feed.look());
     rebuildTimersOnChange(m_settings, m_store);
     GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);
 }
 
-/// Changes are announced before they take effect, and many at a time: the badge looks once, after all of them.
-void TorvaneApp::showBadgeSoon() {
-    if (m_badgeIsStale)
+void TorvaneApp::obey(BadgeCommand command) {
+    switch (command) {
+    case BadgeCommand::refresh:
+        m_tasks.run(m_store.refresh());
         return;
-    m_badgeIsStale = true;
-    const auto show = [this] {
-        m_badgeIsStale = false;
-        m_badge.show(badgeLook(m_store.snapshot, m_settings));
-    };
-    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    case BadgeCommand::quit:
+        QCoreApplication::quit();
+        return;
+    case BadgeCommand::show:
+    case BadgeCommand::preferences:
+        return;
+    }
 }
 
 } // namespace torvane

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Badge/StatusItemBadge.h"
+#include "Badge/BadgeFeed.h"
+#include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
 
 #include <QObject>
@@ -16,13 +17,13 @@ public:
     TorvaneApp();
 
 private:
-    void showBadgeSoon();
+    void obey(BadgeCommand command);
 
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
     SnapshotStore m_store{m_settings, m_defaults};
-    StatusItemBadge m_badge;
-    bool m_badgeIsStale = false;
+    BadgeFeed m_feed{m_store, m_settings};
+    BadgeHost m_badge;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

@@ -2,7 +2,7 @@
 #include "Platform/TerminationSignals.h"
 #include "TorvaneApp.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 
 #include <csignal>
 
@@ -15,10 +15,10 @@ int main(int argc, char** argv) {
     QGuiApplication::setApplicationVersion(torvane::Config::currentVersion());
     QGuiApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
     QGuiApplication::setQuitOnLastWindowClosed(false); // There is no window; the program ends when its user says so.
-    QGuiApplication application(argc, argv);
+    QApplication application(argc, argv);
 
     const torvane::TerminationSignals signals_;
     QObject::connect(&signals_, &torvane::TerminationSignals::received, &application, &QCoreApplication::quit);
     const torvane::TorvaneApp app;
-    return QGuiApplication::exec();
+    return QApplication::exec();
 }
