@@ -7,10 +7,23 @@
 
 namespace torvane {
 
+namespace {
+
+std::optional<Appearance> appearance(ColorPreference preference) {
+    if (preference == ColorPreference::none)
+        return std::nullopt;
+    return preference == ColorPreference::dark ? Appearance::dark : Appearance::light;
+}
+
+} // namespace
+
 TorvaneApp::TorvaneApp()
     : m_badge(QDBusConnection::sessionBus()) {
     connect(&m_feed, &BadgeFeed::lookChanged, &m_badge, &BadgeHost::show);
     connect(&m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
+    // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
+    connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
+            [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
     m_badge.show(m_feed.look());
     rebuildTimersOnChange(m_settings, m_store);
     GasNotifier::requestAuthorization();

@@ -1,20 +1,26 @@
 #include "Badge/BadgeMark.h"
 
+#include "Design/ChainGlyph.h"
+#include "Design/ChainIcon.h"
+
 #include <QPainter>
 
 namespace torvane {
 
-QPainterPath markPath(const BadgePicture& picture) {
+namespace {
+QPainterPath disc(double diameter) {
     QPainterPath path;
-    path.addPolygon(QPolygonF({{9, 1.5}, {13.8, 9}, {9, 12}, {4.2, 9}, {9, 1.5}}));
-    path.addPolygon(QPolygonF({{9, 13.2}, {13.8, 10.5}, {9, 16.5}, {4.2, 10.5}, {9, 13.2}}));
-    if (!picture.dot)
-        return path;
-    QPainterPath ring;
-    ring.addEllipse(QPointF(16.5 - 3.55, 16.5 - 3.55), 3.55, 3.55);
-    QPainterPath dot;
-    dot.addEllipse(QPointF(16.5 - 2.25, 16.5 - 2.25), 2.25, 2.25);
-    return path.subtracted(ring) | dot;
+    path.addEllipse(QPointF(16.5 - 2.25, 16.5 - 2.25), diameter / 2, diameter / 2);
+    return path;
+}
+} // namespace
+
+QPainterPath markPath(const BadgePicture& picture) {
+    QTransform place;
+    place.translate(1.5, 1.5);
+    place.scale(15 / 24.0, 15 / 24.0);
+    QPainterPath path = place.map(ChainGlyph::path(picture.network));
+    return picture.dot ? path.subtracted(disc(7.1)) | disc(4.5) : path;
 }
 
 QImage markImage(const BadgePicture& picture, int pixels) {
@@ -23,7 +29,17 @@ QImage markImage(const BadgePicture& picture, int pixels) {
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(pixels / 18.0, pixels / 18.0);
-    painter.fillPath(markPath(picture), picture.isColored ? QColor(0x62, 0x7e, 0xea) : QColor(Qt::black));
+    const QRectF mark(1.5, 1.5, 15, 15);
+    if (picture.isColored)
+        ChainIcon::paint(painter, mark, picture.network);
+    else
+        ChainGlyph::paint(painter, mark, picture.network, Qt::black);
+    if (!picture.dot)
+        return image;
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+    painter.fillPath(disc(7.1), Qt::black);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.fillPath(disc(4.5), picture.isColored ? *picture.dot : Qt::black);
     return image;
 }
 

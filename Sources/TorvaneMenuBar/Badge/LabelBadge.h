@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Badge/IconFiles.h"
+#include "Badge/PanelIcons.h"
 #include "Badge/NotifierBadge.h"
 
 namespace torvane {
@@ -15,7 +15,7 @@ private:
     void draw(const BadgePicture& picture, const BadgeInk& ink, NotifierLook& look) override;
     std::optional<QString> iconName(const BadgePicture& mark, const BadgeInk& ink);
 
-    IconFiles m_files;
+    PanelIcons m_icons;
 };
 
 } // namespace torvane

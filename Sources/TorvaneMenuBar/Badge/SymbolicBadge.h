@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Badge/IconFiles.h"
+#include "Badge/PanelIcons.h"
 #include "Badge/NotifierBadge.h"
 
 namespace torvane {
@@ -14,7 +14,7 @@ public:
 private:
     void draw(const BadgePicture& picture, const BadgeInk& ink, NotifierLook& look) override;
 
-    IconFiles m_files;
+    PanelIcons m_icons;
 };
 
 } // namespace torvane

@@ -1,4 +1,4 @@
-#include "Badge/IconFiles.h"
+#include "Badge/PanelIcons.h"
 
 #include "Support/TestFiles.h"
 
@@ -11,7 +11,7 @@
 using namespace torvane;
 using namespace Qt::StringLiterals;
 
-class IconFilesTest final : public QObject {
+class PanelIconsTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -21,7 +21,7 @@ private Q_SLOTS:
     }
 
     void aPictureHasAFileOfItsName() {
-        IconFiles files;
+        PanelIcons files;
         QCOMPARE(files.folder(), m_runtime->filePath(u"velisk/icons"_s));
         const std::optional<QString> name = files.put("one", "-symbolic.svg"_L1);
         QVERIFY(name && name->endsWith("-symbolic"_L1));
@@ -29,7 +29,7 @@ private Q_SLOTS:
     }
 
     void anotherPictureHasAnotherNameAndTheSameOneKeepsIts() {
-        IconFiles files;
+        PanelIcons files;
         const auto first = files.put("one", ".png"_L1);
         const auto second = files.put("two", ".png"_L1);
         QVERIFY(first && second && first != second);
@@ -38,7 +38,7 @@ private Q_SLOTS:
     }
 
     void thePictureBeforeStaysAndEarlierOnesGo() {
-        IconFiles files;
+        PanelIcons files;
         files.put("one", ".png"_L1);
         const auto second = files.put("two", ".png"_L1);
         const auto third = files.put("three", ".png"_L1);
@@ -50,7 +50,7 @@ private Q_SLOTS:
     }
 
     void whatAKilledProcessLeftGoesAndStrangersStay() {
-        IconFiles files;
+        PanelIcons files;
         TestFiles::put(files.folder() + "/velisk-0123456789abcdef.png"_L1, "old");
         TestFiles::put(files.folder() + "/velisk-0123456789abcdef.png.part"_L1, "half");
         TestFiles::put(files.folder() + "/index.theme"_L1, "strange");
@@ -68,17 +68,17 @@ private Q_SLOTS:
     void withoutAPlaceThereIsNoName() {
         QFETCH(QByteArray, runtime);
         qputenv("XDG_RUNTIME_DIR", runtime);
-        QVERIFY(!IconFiles().put("one", ".png"_L1));
+        QVERIFY(!PanelIcons().put("one", ".png"_L1));
     }
 
     void aFileInTheFoldersPlaceIsLeftAlone() {
         TestFiles::put(m_runtime->filePath(u"velisk"_s), "strange");
-        QVERIFY(!IconFiles().put("one", ".png"_L1));
+        QVERIFY(!PanelIcons().put("one", ".png"_L1));
         QCOMPARE(TestFiles::contentOf(m_runtime->filePath(u"velisk"_s)), QByteArray("strange"));
     }
 
     void aFolderThatWentIsMadeAgain() {
-        IconFiles files;
+        PanelIcons files;
         files.put("one", ".png"_L1);
         QVERIFY(QDir(m_runtime->filePath(u"velisk"_s)).removeRecursively());
         const auto name = files.put("one", ".png"_L1);
@@ -89,5 +89,5 @@ private:
     std::unique_ptr<QTemporaryDir> m_runtime;
 };
 
-QTEST_GUILESS_MAIN(IconFilesTest)
-#include "IconFilesTest.moc"
+QTEST_GUILESS_MAIN(PanelIconsTest)
+#include "PanelIconsTest.moc"

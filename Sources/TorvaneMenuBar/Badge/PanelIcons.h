@@ -10,9 +10,9 @@ namespace torvane {
 /// Pictures as files below $XDG_RUNTIME_DIR, for panels that load icons by their names. Panels keep what they loaded
 /// under a name, so that each picture has a name of its own. Nothing is synchronised to a disk: the files end with
 /// the session.
-class IconFiles final {
+class PanelIcons final {
 public:
-    IconFiles();
+    PanelIcons();
 
     /// What panels take for the theme's root.
     QString folder() const { return m_folder; }

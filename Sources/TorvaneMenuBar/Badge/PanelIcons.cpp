@@ -1,4 +1,4 @@
-#include "Badge/IconFiles.h"
+#include "Badge/PanelIcons.h"
 
 #include "Support/BaseDirectory.h"
 
@@ -35,10 +35,10 @@ bool write(const QString& path, const QByteArray& bytes) {
 
 } // namespace
 
-IconFiles::IconFiles()
+PanelIcons::PanelIcons()
     : m_folder(folderForIcons()) {}
 
-std::optional<QString> IconFiles::put(const QByteArray& picture, QLatin1StringView suffix) {
+std::optional<QString> PanelIcons::put(const QByteArray& picture, QLatin1StringView suffix) {
     if (m_folder.isEmpty() || !QDir().mkpath(m_folder))
         return std::nullopt;
     const QByteArray hash = QCryptographicHash::hash(picture, QCryptographicHash::Sha1).toHex().left(16);
@@ -53,7 +53,7 @@ std::optional<QString> IconFiles::put(const QByteArray& picture, QLatin1StringVi
 }
 
 /// Those of a process that was killed too.
-void IconFiles::removeOthers() const {
+void PanelIcons::removeOthers() const {
     QDir folder(m_folder);
     for (const QString& name : folder.entryList({prefix + u'*'}, QDir::Files)) {
         if (name != m_current && name != m_previous)
