@@ -33,8 +33,8 @@ QString guide(QString figure) {
 
 std::optional<QString> LabelBadge::iconName(const BadgePicture& mark, const BadgeInk& ink) {
     if (mark.isColored)
-        return m_files.put(png(squareBadge(mark, {ink.color, {}}, iconPixels)), ".png"_L1);
-    return m_files.put(symbolicBadge(mark, ink.color), "-symbolic.svg"_L1);
+        return m_icons.put(png(squareBadge(mark, {ink.color, {}}, iconPixels)), ".png"_L1);
+    return m_icons.put(symbolicBadge(mark, ink.color), "-symbolic.svg"_L1);
 }
 
 void LabelBadge::draw(const BadgePicture& picture, const BadgeInk& ink, NotifierLook& look) {
@@ -42,7 +42,7 @@ void LabelBadge::draw(const BadgePicture& picture, const BadgeInk& ink, Notifier
     mark.figure.clear();
     const std::optional<QString> name = iconName(mark, ink);
     look.iconName = name.value_or(QString());
-    look.iconThemePath = name ? m_files.folder() : QString();
+    look.iconThemePath = name ? m_icons.folder() : QString();
     look.icons = name ? QList<QImage>() : squareBadges(mark, ink);
     look.label = NotifierLabel{picture.figure, guide(picture.figure)};
 }

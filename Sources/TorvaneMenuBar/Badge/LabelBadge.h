@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Badge/PanelIcons.h"
 #include "Badge/NotifierBadge.h"
+#include "Badge/PanelIcons.h"
 
 namespace torvane {
 
