@@ -67,6 +67,7 @@ int main(int argc, char* argv[]) {
         else if (command == BadgeCommand::quit)
             QCoreApplication::quit();
     });
+    say(u"surface none"_s);
     showNext();
     return QCoreApplication::exec();
 }

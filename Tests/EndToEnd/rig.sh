@@ -252,6 +252,13 @@ difference_box() {
     convert "$1" "$2" -compose difference -composite -threshold 0 -trim -format '%wx%h%O' info:
 }
 
+# box_corner BOX: "X Y" of a rectangle WxH+X+Y.
+box_corner() {
+    local width height x y
+    IFS='x+' read -r width height x y <<<"$1"
+    echo "$x $y"
+}
+
 # click BUTTON BOX: in the middle of a rectangle WxH+X+Y.
 click() {
     local width height x y
@@ -269,6 +276,17 @@ screen_differs() {
 panel_differs() {
     panel_screenshot "$RIG/now.png"
     [ "$(different_pixels "$1" "$RIG/now.png")" -ge "$2" ]
+}
+
+# Takes pictures of the panel until two are the same, the last one in now.png: it draws its parts one after the other.
+panel_settle() {
+    rig_wait "the panel to come to rest" panel_is_at_rest
+}
+
+panel_is_at_rest() {
+    panel_screenshot "$RIG/before.png"
+    sleep 0.5
+    panel_equals "$RIG/before.png"
 }
 
 panel_equals() {

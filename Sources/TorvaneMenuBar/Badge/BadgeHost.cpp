@@ -135,6 +135,8 @@ std::unique_ptr<BadgeSurface> BadgeHost::createSurface(SurfaceKind kind) const {
 }
 
 void BadgeHost::replaceSurface(SurfaceKind kind) {
+    if (kind == SurfaceKind::none && !m_surface)
+        return;
     m_kind = kind;
     m_surface.reset(); // Before there is another: a connection has one item.
     m_surface = createSurface(kind);
