@@ -4,7 +4,7 @@
 #include "Support/JSONNumber.h"
 #include "Support/PowersOfTen.h"
 
-#include <QVarLengthArray>
+#include <QByteArray>
 
 #include <algorithm>
 #include <array>
@@ -16,24 +16,23 @@ namespace torvane::SVGPath {
 
 namespace {
 
-/// Stands for every character that path data has no use for, as all are outside ASCII.
-constexpr char foreign = '\x7f';
-
-enum Kind : quint8 { other, separator, digit, commandLetter };
+enum Kind : quint8 { other, separator, commandLetter };
 
 constexpr auto kinds = [] {
-    std::array<Kind, 128> result{};
+    std::array<Kind, 256> result{};
     for (const char each : std::string_view(" \t\n\r,"))
-        result[static_cast<std::size_t>(each)] = separator;
-    for (const char each : std::string_view("0123456789"))
-        result[static_cast<std::size_t>(each)] = digit;
+        result[static_cast<quint8>(each)] = separator;
     for (const char each : std::string_view("MLHVCSQTAZmlhvcsqtaz"))
-        result[static_cast<std::size_t>(each)] = commandLetter;
+        result[static_cast<quint8>(each)] = commandLetter;
     return result;
 }();
 
 constexpr bool is(Kind kind, char scalar) {
-    return kinds[static_cast<std::size_t>(scalar)] == kind;
+    return kinds[static_cast<quint8>(scalar)] == kind;
+}
+
+constexpr bool isDigit(char scalar) {
+    return scalar >= '0' && scalar <= '9';
 }
 
 /// The digits of a number, read so far.
@@ -44,7 +43,7 @@ struct Decimal {
 
     void readRun() {
         const char* const begin = at;
-        for (; is(digit, *at); ++at)
+        for (; isDigit(*at); ++at)
             digits = digits * 10 + static_cast<quint64>(*at - '0');
         count += at - begin;
     }
@@ -57,7 +56,7 @@ bool passExponent(const char*& at) {
     ++at;
     at += *at == '-' || *at == '+';
     const char* const begin = at;
-    while (is(digit, *at))
+    while (isDigit(*at))
         ++at;
     return at > begin;
 }
@@ -78,13 +77,12 @@ bool fit(Points... points) {
 
 class Parser final {
 public:
-    explicit Parser(QStringView text);
+    explicit Parser(QStringView text)
+        : s(text.toLatin1()) {}
 
     QPainterPath parse();
 
 private:
-    using Scalars = QVarLengthArray<char, 2048>;
-
     bool draw(QPainterPath& to);
     bool moves(QPainterPath& to, bool rel);
     bool lines(QPainterPath& to, bool rel);
@@ -107,9 +105,7 @@ private:
     void skipSeparators();
     void forgetControls();
 
-    static constexpr char endOfText = '\0';
-
-    Scalars s; ///< with `endOfText` behind the last
+    const QByteArray s; ///< with a question mark for each scalar that Latin-1 has not: path data has a use for neither
     qsizetype i = 0;
     QPointF cur;
     QPointF start;
@@ -118,20 +114,11 @@ private:
     std::optional<char> cmd;
 };
 
-Parser::Parser(QStringView text)
-    : s(text.size() + 1) {
-    for (qsizetype at = 0; at < text.size(); ++at) {
-        const char16_t unit = text[at].unicode();
-        s[at] = unit > 0 && unit < 0x7f ? static_cast<char>(unit) : foreign;
-    }
-    s[text.size()] = endOfText;
-}
-
 QPainterPath Parser::parse() {
     QPainterPath path;
     for (;;) {
         skipSeparators();
-        if (s[i] == endOfText)
+        if (i == s.size())
             return path;
         if (!is(commandLetter, s[i]))
             return {}; // Every command but Z has read all its groups, Z takes none, and before the first there is none.
@@ -305,7 +292,8 @@ bool Parser::arc(QPainterPath& to, const EllipticalArc& arc) {
 /// The next number; none when there is none or it is malformed or too large. The index has passed what was read anyway.
 std::optional<double> Parser::num() {
     skipSeparators();
-    const char* const begin = s.constData() + i + (s[i] == '+' || s[i] == '-');
+    const char* const sign = s.constData() + i;
+    const char* const begin = sign + (*sign == '+' || *sign == '-');
     Decimal decimal{begin};
     decimal.readRun();
     const qsizetype whole = decimal.count;
@@ -315,17 +303,15 @@ std::optional<double> Parser::num() {
     }
     const char* const mark = decimal.at;
     const bool isWhole = passExponent(decimal.at) && decimal.count > 0;
-    const bool minus = s[i] == '-';
     i = decimal.at - s.constData();
     if (!isWhole)
         return std::nullopt;
-    const double value =
-        decimal.at == mark && decimal.count < 16
-            ? static_cast<double>(decimal.digits) / exactPowersOfTen[static_cast<std::size_t>(decimal.count - whole)]
-            : JSON::numberValue({begin, static_cast<std::size_t>(decimal.at - begin)});
-    if (!std::isfinite(value))
+    double value = 0;
+    if (decimal.at == mark && decimal.count < 16)
+        value = static_cast<double>(decimal.digits) / exactPowersOfTen[static_cast<std::size_t>(decimal.count - whole)];
+    else if (value = JSON::numberValue({begin, static_cast<std::size_t>(decimal.at - begin)}); !std::isfinite(value))
         return std::nullopt;
-    return minus ? -value : value;
+    return *sign == '-' ? -value : value;
 }
 
 std::optional<QPointF> Parser::point(bool rel) {
@@ -339,7 +325,7 @@ std::optional<QPointF> Parser::point(bool rel) {
 /// Whether the command in force has another group.
 bool Parser::another() {
     skipSeparators();
-    return s[i] != endOfText && !is(commandLetter, s[i]);
+    return i < s.size() && !is(commandLetter, s[i]);
 }
 
 void Parser::skipSeparators() {
