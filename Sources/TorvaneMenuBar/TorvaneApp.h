@@ -2,6 +2,7 @@
 
 #include "Badge/StatusItemBadge.h"
 #include "Coordination/SnapshotStore.h"
+#include "Design/Theme.h"
 
 #include <QObject>
 
@@ -12,7 +13,7 @@ class TorvaneApp final : public QObject {
     Q_OBJECT
 
 public:
-    /// Needs a QGuiApplication. The store starts with the main loop.
+    /// Needs a QApplication. The store starts with the main loop.
     TorvaneApp();
 
 private:
@@ -21,6 +22,9 @@ private:
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
     SnapshotStore m_store{m_settings, m_defaults};
+    ApplicationPalette m_palette;
+    ColorScheme m_colorScheme{QDBusConnection::sessionBus(), m_palette};
+    Theme m_theme{m_settings, m_colorScheme, m_palette};
     StatusItemBadge m_badge;
     bool m_badgeIsStale = false;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.

@@ -2,23 +2,37 @@
 #include "Platform/TerminationSignals.h"
 #include "TorvaneApp.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QSessionManager>
 
 #include <csignal>
+
+namespace {
+
+/// The entry for the launch at login starts the program; a session that brings it back would start it twice.
+void doNotBringBack(QSessionManager& session) {
+    session.setRestartHint(QSessionManager::RestartNever);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     // A connection that its server has closed is reported where it is written to, not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // A file that may not grow further is a failed write, which the next one mends.
     std::signal(SIGXFSZ, SIG_IGN);
-    QGuiApplication::setApplicationName(QStringLiteral("velisk"));
-    QGuiApplication::setApplicationVersion(torvane::Config::currentVersion());
-    QGuiApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
-    QGuiApplication::setQuitOnLastWindowClosed(false); // There is no window; the program ends when its user says so.
-    QGuiApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("velisk"));
+    QApplication::setApplicationVersion(torvane::Config::currentVersion());
+    QApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
+    QApplication::setQuitOnLastWindowClosed(false); // The program ends when its user says so.
+    // The same on every desktop. Named this early, the desktop's own is not even loaded.
+    QApplication::setStyle(QStringLiteral("fusion"));
+    QApplication application(argc, argv);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application, doNotBringBack);
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &application, doNotBringBack);
 
     const torvane::TerminationSignals signals_;
     QObject::connect(&signals_, &torvane::TerminationSignals::received, &application, &QCoreApplication::quit);
     const torvane::TorvaneApp app;
-    return QGuiApplication::exec();
+    return QApplication::exec();
 }

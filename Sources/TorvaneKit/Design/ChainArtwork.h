@@ -3,8 +3,8 @@
 #include <QStringView>
 
 /// The networks' emblems as SVG path data in a box of 24 by 24 units: what the coloured and the monochrome marks share.
-/// Holes run against their outlines, so that either fill rule leaves them open. No gap is thinner than 1.2 units: it
-/// has to be seen at 15 pixels.
+/// Holes run against their outlines, so that either fill rule leaves them open. No gap but a pointed one is thinner
+/// than 1.2 units: it has to be seen at 15 pixels.
 namespace torvane::ChainArtwork {
 
 /// An eight-sided stone seen from the side, cut through below its widest place.
@@ -21,17 +21,16 @@ inline constexpr QStringView arbitrum =
 inline constexpr QStringView optimism =
     u"M1.85 12C2.47 8.9 4.6 7 7.45 7C10.3 7 11.67 8.9 11.05 12C10.43 15.1 8.3 17 5.45 17C2.6 17 1.23 15.1 1.85 12Z"
     "M8.3 12C8.6 10.5 8.06 9.5 6.95 9.5C5.84 9.5 4.9 10.5 4.6 12C4.3 13.5 4.84 14.5 5.95 14.5C7.06 14.5 8 13.5 8.3 12Z"
-    "M11 17L13 7H18.85C20.8 7 21.84 8.3 21.45 10.25C21.06 12.2 19.5 13.5 17.55 13.5H14.55L13.85 17Z"
-    "M14.98 11.35H17.98C18.64 11.35 19.17 10.91 19.3 10.25C19.43 9.59 19.08 9.15 18.42 9.15H15.42Z";
+    "M11.4 17L13.4 7H19.25C21.2 7 22.24 8.3 21.85 10.25C21.46 12.2 19.9 13.5 17.95 13.5H14.95L14.25 17Z"
+    "M15.38 11.35H18.38C19.04 11.35 19.57 10.91 19.7 10.25C19.83 9.59 19.48 9.15 18.82 9.15H15.82Z";
 
 /// A disc with a slot from its left edge to past its middle.
 inline constexpr QStringView base = u"M3.45 11.05A8.6 8.6 0 1 1 3.45 12.95H15.2V11.05Z";
 
-/// A feather, and the slit along its shaft.
+/// A feather; the slit along its shaft is open at the foot.
 inline constexpr QStringView robinhoodFeather =
-    u"M5.6 21.6C5.2 13.2 8.2 5.9 14.6 2.8L19 2.2C19.8 6 19.2 8.9 17.6 11.3L14.2 11.6L16.4 13C14.7 15.6 12.3 17 9.2 17.1"
-    "C8.4 18.5 7.8 20 7.4 21.6Z"
-    "M7.6 17.2C8.1 17.4 8.6 17.4 9.3 17.1C10.4 13.2 12.4 9.6 15.4 5.4C11.2 9 8.8 13.2 7.6 17.2Z";
+    u"M5.6 21.6C5.2 13.2 8.2 5.9 14.6 2.8L19 2.2C19.8 6 19.2 8.9 17.6 11.3L14.2 11.6L16.4 13C14.8 15.5 12.8 16.8 9.9 17"
+    "C10.8 13.2 12.5 9.6 15.4 5.4C11.2 9 8.6 13.2 7.9 18.2C7.6 19.4 7.4 20.5 7.4 21.6Z";
 
 /// Two half arrows that pass each other; either is the other turned by half a circle.
 inline constexpr QStringView zkSyncLeft = u"M1.7 11.2L9.2 4.2V7.2H17.3L9.2 13.2V11.2Z";
@@ -52,7 +51,7 @@ inline constexpr QStringView lineaDot = u"M13.2 6.4A3 3 0 1 1 19.2 6.4A3 3 0 1 1
 
 /// A wave with a crest along its back, a star and a dot.
 inline constexpr QStringView starknetCrest =
-    u"M2.4 16.6C4.2 9.6 9.6 5.8 15.4 6C17.8 6.1 19.8 6.8 21.6 7.6C18 13 12 12 2.4 16.6Z";
+    u"M2.4 16.6C4.2 9.6 9.6 5.8 15.4 6C17.8 6.1 19.8 6.8 21.6 7.6C19.5 8.3 17.5 8.6 15 8.9C10 9.4 6 12 2.4 16.6Z";
 inline constexpr QStringView starknetWave = u"M2.4 16.6C5.6 10.6 10.2 7.9 15.4 7.9C17.6 7.9 19.6 8.1 21.6 7.6C18.4 8.9 "
                                             u"16.8 11 15.2 14C13.4 17.6 11 19.6 7.7 19.3"
                                             "C5.5 19.1 3.6 18.2 2.4 16.6Z";

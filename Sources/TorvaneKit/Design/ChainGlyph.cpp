@@ -10,7 +10,7 @@ void ChainGlyph::paint(QPainter& painter, const QRectF& rectangle, const QString
     Artwork::inBox(painter, rectangle, [&painter, &name, &foreground] {
         const QStringList emblem = ChainMarksMono::byName().value(name);
         for (const QString& path : emblem)
-            painter.fillPath(Artwork::path(path, Qt::WindingFill), foreground);
+            painter.fillPath(Artwork::path(path), foreground);
         if (emblem.isEmpty())
             painter.fillPath(Artwork::tile().subtracted(InitialLetter::outline(InitialLetter::of(name))), foreground);
     });

@@ -67,14 +67,6 @@ QColor whitened(const QColor& color, float white) {
     return QColor::fromRgbF(channel(color.redF()), channel(color.greenF()), channel(color.blueF()));
 }
 
-void drawMark(QPainter& painter, const ChainMark& mark) {
-    painter.fillPath(Artwork::tile(), QColor::fromRgb(mark.background));
-    for (const ChainMark::Shape& shape : mark.shapes) {
-        const Qt::FillRule rule = shape.evenOdd ? Qt::OddEvenFill : Qt::WindingFill;
-        painter.fillPath(Artwork::path(shape.path, rule), QColor::fromRgb(shape.fill));
-    }
-}
-
 } // namespace
 
 ChainIcon::Info ChainIcon::info(const QString& name) {
@@ -86,26 +78,36 @@ ChainIcon::Info ChainIcon::info(const QString& name) {
 void ChainIcon::draw(const QString& key, const QString& name, QPainter& ctx, const QColor& bg) {
     if (const Brand* brand = findBrand(key)) {
         for (const Facet& facet : brand->facets)
-            ctx.fillPath(Artwork::path(facet.path.toString(), Qt::WindingFill), whitened(bg, facet.white));
+            ctx.fillPath(Artwork::path(facet.path.toString()), whitened(bg, facet.white));
         return;
     }
     const QStringList emblem = ChainMarksMono::byName().value(name);
     for (const QString& path : emblem)
-        ctx.fillPath(Artwork::path(path, Qt::WindingFill), Qt::white);
+        ctx.fillPath(Artwork::path(path), Qt::white);
     if (emblem.isEmpty())
         ctx.fillPath(InitialLetter::outline(InitialLetter::of(name)), Qt::white);
 }
 
 void ChainIcon::paint(QPainter& painter, const QRectF& rectangle, const QString& name) {
+    const auto mark = ChainMarks::byName().constFind(name);
+    if (mark != ChainMarks::byName().cend()) {
+        paint(painter, rectangle, *mark);
+        return;
+    }
     Artwork::inBox(painter, rectangle, [&painter, &name] {
-        const auto mark = ChainMarks::byName().constFind(name);
-        if (mark != ChainMarks::byName().cend()) {
-            drawMark(painter, *mark);
-            return;
-        }
         const Info known = info(name);
         painter.fillPath(Artwork::tile(), known.color);
         draw(known.key, name, painter, known.color);
+    });
+}
+
+void ChainIcon::paint(QPainter& painter, const QRectF& rectangle, const ChainMark& mark) {
+    Artwork::inBox(painter, rectangle, [&painter, &mark] {
+        painter.fillPath(Artwork::tile(), QColor::fromRgb(mark.background));
+        for (const ChainMark::Shape& shape : mark.shapes) {
+            const Qt::FillRule rule = shape.evenOdd ? Qt::OddEvenFill : Qt::WindingFill;
+            painter.fillPath(Artwork::path(shape.path, rule), QColor::fromRgb(shape.fill));
+        }
     });
 }
 

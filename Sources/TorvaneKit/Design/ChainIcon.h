@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Design/ChainMarks.h"
+
 #include <QColor>
 #include <QString>
 #include <QWidget>
@@ -29,6 +31,7 @@ public:
 
     /// Tile and emblem in the largest square in the middle of the rectangle.
     static void paint(QPainter& painter, const QRectF& rectangle, const QString& name);
+    static void paint(QPainter& painter, const QRectF& rectangle, const ChainMark& mark);
 
     /// `size` is the side in device-independent pixels.
     ChainIcon(const QString& name, double size, QWidget* parent = nullptr);

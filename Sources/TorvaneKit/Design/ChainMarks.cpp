@@ -14,12 +14,9 @@ constexpr quint32 parchment = 0xFFEEDA;
 constexpr quint32 parchmentBack = 0xEBC28E;
 constexpr quint32 coral = 0xEC796B;
 
+/// No emblem needs the even-odd rule: their holes run against their outlines.
 ChainMark::Shape shape(QStringView path, quint32 fill) {
     return {path.toString(), fill, false};
-}
-
-ChainMark::Shape evenOddShape(QStringView path, quint32 fill) {
-    return {path.toString(), fill, true};
 }
 
 } // namespace
@@ -27,7 +24,7 @@ ChainMark::Shape evenOddShape(QStringView path, quint32 fill) {
 const QHash<QString, ChainMark>& ChainMarks::byName() {
     using namespace ChainArtwork;
     static const QHash<QString, ChainMark> marks{
-        {u"Robinhood Chain"_s, {0xCCFF00, {evenOddShape(robinhoodFeather, feather)}}},
+        {u"Robinhood Chain"_s, {0xCCFF00, {shape(robinhoodFeather, feather)}}},
         {u"zkSync Era"_s, {0x000000, {shape(zkSyncLeft, white), shape(zkSyncRight, white)}}},
         {u"Unichain"_s, {0xF50DB4, {shape(unichain, white)}}},
         {u"Scroll"_s,

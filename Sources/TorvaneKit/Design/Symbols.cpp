@@ -13,7 +13,8 @@ namespace torvane {
 namespace {
 
 constexpr double line = 1.8;
-constexpr double heavyLine = 2;
+constexpr double signLine = 2;
+constexpr double slantedLine = 2.4; // It would look thinner than a level one.
 
 /// How far the middle of the box lies from where a line of this width has sharp edges, in units of the box.
 QPointF toSharpMiddle(const QPainter& painter, double width) {
@@ -29,7 +30,7 @@ void draw(QPainter& painter, const Symbol& symbol, const QColor& color) {
     if (symbol.alignsMiddle)
         painter.translate(toSharpMiddle(painter, symbol.strokeWidth));
     if (!symbol.filled.isEmpty())
-        painter.fillPath(Artwork::path(symbol.filled, Qt::WindingFill), color);
+        painter.fillPath(Artwork::path(symbol.filled), color);
     if (!symbol.stroked.isEmpty())
         painter.strokePath(Artwork::path(symbol.stroked),
                            QPen(color, symbol.strokeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -40,14 +41,16 @@ void draw(QPainter& painter, const Symbol& symbol, const QColor& color) {
 const QHash<QString, Symbol>& Symbols::byName() {
     static const QHash<QString, Symbol> symbols{
         {u"fuelpump.fill"_s,
-         {u"M4 5.4A2.4 2.4 0 0 1 6.4 3H11.8A2.4 2.4 0 0 1 14.2 5.4V19.2H14.7A1 1 0 0 1 14.7 21.2H3.5"
-          "A1 1 0 0 1 3.5 19.2H4ZM6.5 9.1A.6 .6 0 0 0 7.1 9.7H11.1A.6 .6 0 0 0 11.7 9.1V6.1"
-          "A.6 .6 0 0 0 11.1 5.5H7.1A.6 .6 0 0 0 6.5 6.1Z"_s,
-          u"M14.2 12.4H15A2 2 0 0 1 17 14.4V17.1A1.8 1.8 0 0 0 20.6 17.1V9.3L17.3 5.9"_s, line}},
+         {u"M4 5.4A2.4 2.4 0 0 1 6.4 3H11.8A2.4 2.4 0 0 1 14.2 5.4V19.2H14.7A1 1 0 0 1 14.7 21.2H3.5A1 1 0 0 1 3.5 "
+          u"19.2H4Z"
+          "M6.5 9.1A.6 .6 0 0 0 7.1 9.7H11.1A.6 .6 0 0 0 11.7 9.1V6.1A.6 .6 0 0 0 11.1 5.5H7.1A.6 .6 0 0 0 6.5 6.1Z"
+          "M13.8 11.5H15A2.9 2.9 0 0 1 17.9 14.4V17.1A.9 .9 0 0 0 19.7 17.1V9.67L16.65 6.53A.9 .9 0 0 1 17.95 5.27"
+          "L21.5 8.93V17.1A2.7 2.7 0 0 1 16.1 17.1V14.4A1.1 1.1 0 0 0 15 13.3H13.8Z"_s,
+          QString(), 0}},
         {u"slider.horizontal.3"_s,
-         {u"M5.3 5A2.7 2.7 0 1 1 10.7 5A2.7 2.7 0 1 1 5.3 5ZM13.3 12A2.7 2.7 0 1 1 18.7 12"
-          "A2.7 2.7 0 1 1 13.3 12ZM5.3 19A2.7 2.7 0 1 1 10.7 19A2.7 2.7 0 1 1 5.3 19Z"_s,
-          u"M3 5H21M3 12H21M3 19H21"_s, line}},
+         {u"M5.6 6A2.4 2.4 0 1 1 10.4 6A2.4 2.4 0 1 1 5.6 6ZM13.6 12A2.4 2.4 0 1 1 18.4 12A2.4 2.4 0 1 1 13.6 12Z"
+          "M5.6 18A2.4 2.4 0 1 1 10.4 18A2.4 2.4 0 1 1 5.6 18Z"_s,
+          u"M3 6H21M3 12H21M3 18H21"_s, line, true}},
         {u"square.stack.3d.up"_s,
          {QString(), u"M12 3.2L21 7.9L12 12.6L3 7.9ZM3 12.2L12 16.9L21 12.2M3 16.4L12 21.1L21 16.4"_s, line}},
         {u"menubar.rectangle"_s,
@@ -70,10 +73,10 @@ const QHash<QString, Symbol>& Symbols::byName() {
         {u"info.circle"_s,
          {u"M10.65 7.9A1.35 1.35 0 1 1 13.35 7.9A1.35 1.35 0 1 1 10.65 7.9Z"_s,
           u"M12 11.4V16.6M3 12A9 9 0 1 1 21 12A9 9 0 1 1 3 12Z"_s, line}},
-        {u"minus"_s, {QString(), u"M4 12H20"_s, heavyLine, true}},
-        {u"plus"_s, {QString(), u"M4 12H20M12 4V20"_s, heavyLine, true}},
-        {u"chevron.down"_s, {QString(), u"M5 9L12 16L19 9"_s, heavyLine}},
-        {u"checkmark"_s, {QString(), u"M4.4 12.8L9.6 18L19.6 6.6"_s, heavyLine}},
+        {u"minus"_s, {QString(), u"M4 12H20"_s, signLine, true}},
+        {u"plus"_s, {QString(), u"M4 12H20M12 4V20"_s, signLine, true}},
+        {u"chevron.down"_s, {QString(), u"M5 9L12 16L19 9"_s, slantedLine}},
+        {u"checkmark"_s, {QString(), u"M4.4 12.8L9.6 18L19.6 6.6"_s, slantedLine}},
         {u"doc.on.doc"_s,
          {QString(),
           u"M8.6 15.4H5A2 2 0 0 1 3 13.4V5A2 2 0 0 1 5 3H13.4A2 2 0 0 1 15.4 5V8.6M8.6 10.6"
