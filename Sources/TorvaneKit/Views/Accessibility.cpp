@@ -121,7 +121,9 @@ QAccessibleInterface* interfaceOf(const QString&, QObject* object) {
 void readAs(QWidget& widget, QAccessible::Role role, const QString& name) {
     readControls();
     widget.setProperty(roleProperty, QVariant::fromValue(role));
-    widget.setAccessibleName(name); // Last: a name may be the first that is read of a widget, role and all.
+    // A label was read, as a label, when it got its text; and what is read is kept.
+    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(QAccessible::queryAccessibleInterface(&widget)));
+    widget.setAccessibleName(name);
 }
 
 void readControls() {
