@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Design/DesignSystem.h"
+
 #include <QWidget>
 
 namespace torvane {
 
-/// A symbol upon a rounded square in the accent colour.
+/// A symbol upon a rounded square, in the accent colour where no other is given.
 class SymbolTile final : public QWidget {
     Q_OBJECT
 
@@ -16,7 +18,13 @@ public:
         double symbol;
     };
 
+    struct Colors {
+        DynamicColor tile = Palette::accent;
+        DynamicColor symbol = Palette::accentInk;
+    };
+
     SymbolTile(const QString& symbol, Sizes sizes, QWidget* parent = nullptr);
+    SymbolTile(const QString& symbol, Sizes sizes, const Colors& colors, QWidget* parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -24,6 +32,7 @@ protected:
 private:
     QString m_symbol;
     Sizes m_sizes;
+    Colors m_colors;
 };
 
 } // namespace torvane
