@@ -5,12 +5,12 @@
 #include "Views/ChartView.h"
 #include "Views/Composition.h"
 #include "Views/FigureLine.h"
-#include "Views/SymbolTile.h"
 #include "Views/L2Detail.h"
 #include "Views/L2List.h"
 #include "Views/LevelLine.h"
 #include "Views/PopoverText.h"
 #include "Views/Rule.h"
+#include "Views/SymbolTile.h"
 #include "Views/TierCard.h"
 #include "Views/UpdatedLine.h"
 
@@ -51,6 +51,10 @@ PopoverView::PopoverView(SnapshotStore& store, AppSettings& settings, QWidget* p
 
 std::optional<QString> PopoverView::hoveredL2() const {
     return m_l2List->hoveredL2();
+}
+
+QSize PopoverView::sizeHint() const {
+    return {fixedWidth, QWidget::sizeHint().height()};
 }
 
 /// Title and figure stand on one line, block and level on the next: whichever is long has the room that the other one

@@ -37,9 +37,12 @@ QImage canvas(QSize size) {
     return image;
 }
 
+/// A mark in the network's colours is a tile, and readable by itself.
+bool hasPlate(const BadgePicture& picture, const BadgeInk& ink, bool showsFigure) {
+    return ink.plate && (showsFigure || !picture.isColored);
+}
+
 void drawPlate(QPainter& painter, const BadgeInk& ink, const QSize& size) {
-    if (!ink.plate)
-        return;
     const double radius = size.height() * 0.2;
     painter.setPen(Qt::NoPen);
     painter.setBrush(*ink.plate);
@@ -69,11 +72,6 @@ QFont wideFont(double scale) {
 
 int pixels(double points, double scale) {
     return static_cast<int>(std::ceil(points * scale));
-}
-
-/// What is free at each end for the plate's round corners.
-int endMargin(const BadgeInk& ink, double scale) {
-    return ink.plate ? pixels(plateMargin, scale) : 0;
 }
 
 QString number(double value) {
@@ -126,8 +124,11 @@ QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size) {
     QImage image = canvas({size, size});
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawPlate(painter, ink, image.size());
-    const SquareLayout layout = squareLayout(picture, size, ink.plate.has_value());
+    SquareLayout layout = squareLayout(picture, size, ink.plate.has_value());
+    if (hasPlate(picture, ink, !layout.figure.isEmpty()))
+        drawPlate(painter, ink, image.size());
+    else if (ink.plate)
+        layout = squareLayout(picture, size, false);
     drawMark(painter, picture, ink, layout.mark);
     painter.fillPath(layout.figure, ink.color);
     return image;
@@ -150,11 +151,13 @@ int wideBadgeWidth(const BadgePicture& picture, double scale) {
 
 QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale) {
     const int height = pixels(badgePoints, scale);
-    const int margin = endMargin(ink, scale);
+    const bool isPlated = hasPlate(picture, ink, !picture.figure.isEmpty());
+    const int margin = isPlated ? pixels(plateMargin, scale) : 0; // For the plate's round corners.
     QImage image = canvas({wideBadgeWidth(picture, scale) + 2 * margin, height});
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawPlate(painter, ink, image.size());
+    if (isPlated)
+        drawPlate(painter, ink, image.size());
     drawMark(painter, picture, ink, QRect(margin, 0, height, height));
     const QFont font = wideFont(scale);
     painter.setFont(font);
