@@ -26,6 +26,8 @@ TorvaneApp::TorvaneApp()
             [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
     m_badge.show(m_feed.look());
     rebuildTimersOnChange(m_settings, m_store);
+    connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
+    connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);

@@ -4,6 +4,7 @@
 #include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
 #include "Design/Theme.h"
+#include "Platform/SystemChanges.h"
 
 #include <QObject>
 
@@ -28,6 +29,7 @@ private:
     Theme m_theme{m_settings, m_colorScheme, m_palette};
     BadgeFeed m_feed{m_store, m_settings};
     BadgeHost m_badge;
+    SystemChanges m_systemChanges;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 
