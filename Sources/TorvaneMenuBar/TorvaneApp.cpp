@@ -1,6 +1,5 @@
 #include "TorvaneApp.h"
 
-#include "Badge/BadgeText.h"
 #include "Coordination/Notifications.h"
 #include "TimerSettings.h"
 
@@ -8,29 +7,42 @@
 
 namespace torvane {
 
+namespace {
+
+std::optional<Appearance> appearance(ColorPreference preference) {
+    if (preference == ColorPreference::none)
+        return std::nullopt;
+    return preference == ColorPreference::dark ? Appearance::dark : Appearance::light;
+}
+
+} // namespace
+
 TorvaneApp::TorvaneApp()
     : m_badge(QDBusConnection::sessionBus()) {
-    connect(&m_store, &ObservableObject::objectWillChange, this, &TorvaneApp::showBadgeSoon);
-    connect(&m_settings, &ObservableObject::objectWillChange, this, &TorvaneApp::showBadgeSoon);
-    connect(&m_badge, &StatusItemBadge::refreshRequested, this, [this] { m_tasks.run(m_store.refresh()); });
-    connect(&m_badge, &StatusItemBadge::quitRequested, this, &QCoreApplication::quit);
-    m_badge.show(badgeLook(m_store.snapshot, m_settings));
+    connect(&m_feed, &BadgeFeed::lookChanged, &m_badge, &BadgeHost::show);
+    connect(&m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
+    // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
+    connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
+            [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
+    m_badge.show(m_feed.look());
     rebuildTimersOnChange(m_settings, m_store);
     GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);
 }
 
-/// Changes are announced before they take effect, and many at a time: the badge looks once, after all of them.
-void TorvaneApp::showBadgeSoon() {
-    if (m_badgeIsStale)
+void TorvaneApp::obey(BadgeCommand command) {
+    switch (command) {
+    case BadgeCommand::refresh:
+        m_tasks.run(m_store.refresh());
         return;
-    m_badgeIsStale = true;
-    const auto show = [this] {
-        m_badgeIsStale = false;
-        m_badge.show(badgeLook(m_store.snapshot, m_settings));
-    };
-    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    case BadgeCommand::quit:
+        QCoreApplication::quit();
+        return;
+    case BadgeCommand::show:
+    case BadgeCommand::preferences:
+        return;
+    }
 }
 
 } // namespace torvane

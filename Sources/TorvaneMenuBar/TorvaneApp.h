@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Badge/StatusItemBadge.h"
+#include "Badge/BadgeFeed.h"
+#include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
 #include "Design/Theme.h"
 
@@ -17,7 +18,7 @@ public:
     TorvaneApp();
 
 private:
-    void showBadgeSoon();
+    void obey(BadgeCommand command);
 
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
@@ -25,8 +26,8 @@ private:
     ApplicationPalette m_palette;
     ColorScheme m_colorScheme{QDBusConnection::sessionBus(), m_palette};
     Theme m_theme{m_settings, m_colorScheme, m_palette};
-    StatusItemBadge m_badge;
-    bool m_badgeIsStale = false;
+    BadgeFeed m_feed{m_store, m_settings};
+    BadgeHost m_badge;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

@@ -100,6 +100,8 @@ bool writeSheets(const QDir& folder, const QString& look) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
         std::fputs("Use: MarksGallery FOLDER\n", stderr);

@@ -4,18 +4,18 @@
 
 #include <QHash>
 
+#include <utility>
+
 namespace torvane {
 
-const QPainterPath& Artwork::path(const QString& data) {
-    static QHash<QString, QPainterPath> parsed;
-    const auto known = parsed.constFind(data);
-    return known != parsed.cend() ? *known : *parsed.insert(data, SVGPath::path(data));
-}
-
 QPainterPath Artwork::path(const QString& data, Qt::FillRule rule) {
-    QPainterPath shared = path(data);
-    shared.setFillRule(rule);
-    return shared;
+    static QHash<std::pair<QString, Qt::FillRule>, QPainterPath> parsed;
+    QPainterPath& path = parsed[{data, rule}];
+    if (path.isEmpty()) {
+        path = SVGPath::path(data);
+        path.setFillRule(rule);
+    }
+    return path;
 }
 
 QPainterPath Artwork::tile() {

@@ -18,11 +18,9 @@ inline constexpr double boxSide = 24;
 /// The radius of a tile's corners, in units of the box.
 inline constexpr double tileRadius = 0.29 * boxSide;
 
-/// The path of SVG path data, parsed once and kept; for data of the program's own, of which there are few.
-const QPainterPath& path(const QString& data);
-
-/// The same with what lies inside decided by `rule`.
-QPainterPath path(const QString& data, Qt::FillRule rule);
+/// The path of SVG path data, parsed once and kept; for data of the program's own, of which there are few. As in SVG,
+/// what lies inside goes by the winding number unless told otherwise.
+QPainterPath path(const QString& data, Qt::FillRule rule = Qt::WindingFill);
 
 /// A rounded square that fills the box.
 QPainterPath tile();

@@ -3,8 +3,8 @@
 #include <QStringView>
 
 /// The networks' emblems as SVG path data in a box of 24 by 24 units: what the coloured and the monochrome marks share.
-/// Holes run against their outlines, so that either fill rule leaves them open. No gap is thinner than 1.2 units: it
-/// has to be seen at 15 pixels.
+/// Holes run against their outlines, so that either fill rule leaves them open. No gap but a pointed one is thinner
+/// than 1.2 units: it has to be seen at 15 pixels.
 namespace torvane::ChainArtwork {
 
 /// An eight-sided stone seen from the side, cut through below its widest place.
@@ -21,8 +21,8 @@ inline constexpr QStringView arbitrum =
 inline constexpr QStringView optimism =
     u"M1.85 12C2.47 8.9 4.6 7 7.45 7C10.3 7 11.67 8.9 11.05 12C10.43 15.1 8.3 17 5.45 17C2.6 17 1.23 15.1 1.85 12Z"
     "M8.3 12C8.6 10.5 8.06 9.5 6.95 9.5C5.84 9.5 4.9 10.5 4.6 12C4.3 13.5 4.84 14.5 5.95 14.5C7.06 14.5 8 13.5 8.3 12Z"
-    "M11 17L13 7H18.85C20.8 7 21.84 8.3 21.45 10.25C21.06 12.2 19.5 13.5 17.55 13.5H14.55L13.85 17Z"
-    "M14.98 11.35H17.98C18.64 11.35 19.17 10.91 19.3 10.25C19.43 9.59 19.08 9.15 18.42 9.15H15.42Z";
+    "M11.4 17L13.4 7H19.25C21.2 7 22.24 8.3 21.85 10.25C21.46 12.2 19.9 13.5 17.95 13.5H14.95L14.25 17Z"
+    "M15.38 11.35H18.38C19.04 11.35 19.57 10.91 19.7 10.25C19.83 9.59 19.48 9.15 18.82 9.15H15.82Z";
 
 /// A disc with a slot from its left edge to past its middle.
 inline constexpr QStringView base = u"M3.45 11.05A8.6 8.6 0 1 1 3.45 12.95H15.2V11.05Z";

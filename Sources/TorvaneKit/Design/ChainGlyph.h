@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPainterPath>
 #include <QRectF>
 #include <QString>
 
@@ -9,8 +10,10 @@ class QPainter;
 /// A network's mark in one colour, for template images: what shows it is its shape alone.
 namespace torvane::ChainGlyph {
 
-/// In the largest square in the middle of the rectangle. A network without artwork is a tile from which its first
-/// letter is cut out.
+/// Its shape in a box of 24 by 24 units. A network without artwork is a tile from which its first letter is cut out.
+QPainterPath path(const QString& name);
+
+/// In the largest square in the middle of the rectangle.
 void paint(QPainter& painter, const QRectF& rectangle, const QString& name, const QColor& foreground);
 
 } // namespace torvane::ChainGlyph

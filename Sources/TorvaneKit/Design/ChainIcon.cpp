@@ -78,12 +78,12 @@ ChainIcon::Info ChainIcon::info(const QString& name) {
 void ChainIcon::draw(const QString& key, const QString& name, QPainter& ctx, const QColor& bg) {
     if (const Brand* brand = findBrand(key)) {
         for (const Facet& facet : brand->facets)
-            ctx.fillPath(Artwork::path(facet.path.toString(), Qt::WindingFill), whitened(bg, facet.white));
+            ctx.fillPath(Artwork::path(facet.path.toString()), whitened(bg, facet.white));
         return;
     }
     const QStringList emblem = ChainMarksMono::byName().value(name);
     for (const QString& path : emblem)
-        ctx.fillPath(Artwork::path(path, Qt::WindingFill), Qt::white);
+        ctx.fillPath(Artwork::path(path), Qt::white);
     if (emblem.isEmpty())
         ctx.fillPath(InitialLetter::outline(InitialLetter::of(name)), Qt::white);
 }

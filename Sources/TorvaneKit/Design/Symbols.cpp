@@ -30,7 +30,7 @@ void draw(QPainter& painter, const Symbol& symbol, const QColor& color) {
     if (symbol.alignsMiddle)
         painter.translate(toSharpMiddle(painter, symbol.strokeWidth));
     if (!symbol.filled.isEmpty())
-        painter.fillPath(Artwork::path(symbol.filled, Qt::WindingFill), color);
+        painter.fillPath(Artwork::path(symbol.filled), color);
     if (!symbol.stroked.isEmpty())
         painter.strokePath(Artwork::path(symbol.stroked),
                            QPen(color, symbol.strokeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

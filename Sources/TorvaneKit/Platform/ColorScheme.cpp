@@ -85,7 +85,8 @@ void ColorScheme::answered() {
 
 void ColorScheme::setPreference(ColorPreference preference) {
     m_patience.stop();
-    m_preference = preference;
+    if (std::exchange(m_preference, preference) != preference)
+        Q_EMIT preferenceChanged();
     announceChange();
 }
 

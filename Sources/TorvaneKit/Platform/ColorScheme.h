@@ -32,6 +32,7 @@ public:
 
 Q_SIGNALS:
     void isDarkChanged(bool isDark);
+    void preferenceChanged();
 
 private Q_SLOTS:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);

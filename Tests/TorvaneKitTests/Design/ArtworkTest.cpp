@@ -129,12 +129,19 @@ private Q_SLOTS:
         }
     }
 
-    void aPathIsParsedOnceAndKept() {
+    void aPathHasTheRuleThatIsAskedFor() {
         const QString data = u"M1 2L3 4L5 2Z"_s;
-        const QPainterPath* first = &Artwork::path(data);
-        QCOMPARE(first->elementCount(), 4);
-        QCOMPARE(Artwork::path(data, Qt::WindingFill).fillRule(), Qt::WindingFill);
-        QCOMPARE(Artwork::path(data).fillRule(), Qt::OddEvenFill);
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(Artwork::path(data).fillRule(), Qt::WindingFill);
+            QCOMPARE(Artwork::path(data, Qt::OddEvenFill).fillRule(), Qt::OddEvenFill);
+            QCOMPARE(Artwork::path(data).elementCount(), 4);
+            QCOMPARE(Artwork::path(data, Qt::OddEvenFill).elementCount(), 4);
+        }
+    }
+
+    void pathsThatAreNoneStayEmpty() {
+        for (const QString& data : {QString(), u"10 10"_s, u"M1 2L3"_s})
+            QVERIFY(Artwork::path(data).isEmpty() && Artwork::path(data).isEmpty());
     }
 };
 
