@@ -17,7 +17,7 @@ QString focused() {
     return widget ? widget->accessibleName().section(u',', 0, 0) : u"none"_s;
 }
 
-const QStringList inOrder{u"Arbitrum"_s, u"Optimism"_s, u"Base"_s,        u"zkSync Era"_s,   u"Linea"_s,
+const QStringList inOrder{u"Arbitrum"_s, u"Optimism"_s,    u"Base"_s,         u"zkSync Era"_s, u"Linea"_s,
                           u"Starknet"_s, u"Refresh Now"_s, u"Preferences…"_s, u"Quit velisk"_s};
 
 } // namespace
