@@ -20,6 +20,8 @@ struct MenuBarBadgeIcon {
     double dotSize;                 ///< its diameter
     bool colorIcon;                 ///< in the network's colours; else black, as a template
 
+    bool operator==(const MenuBarBadgeIcon&) const = default;
+
     /// The side of the whole, with the padding around the mark.
     double side() const;
 
