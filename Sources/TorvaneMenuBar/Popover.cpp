@@ -4,6 +4,8 @@
 
 #include <QScreen>
 
+#include <utility>
+
 namespace torvane {
 
 namespace {
@@ -24,9 +26,10 @@ Popover::Popover(MakeContent makeContent, std::chrono::milliseconds patience)
 Popover::~Popover() = default;
 
 void Popover::toggle(const QRect& badge) {
+    const bool isAnswered = !std::exchange(m_answeredUntil, QDeadlineTimer()).hasExpired();
     if (isOpen())
         close();
-    else if (m_answeredUntil.hasExpired())
+    else if (!isAnswered)
         open(badge);
 }
 

@@ -1,71 +1,76 @@
-#include "Design/DesignSystem.h"
-#include "Model/AppSettings.h"
-#include "Support/JSON.h"
-#include "Support/SimulatedMarket.h"
-#include "Support/Worker.h"
-#include "Views/PreferencesView.h"
-#include "Views/Sidebar.h"
+#include "Design/Theme.h"
+#include "TorvaneKitTests/Views/PreferencesFixture.h"
+#include "Views/ChainPicker.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDir>
-#include <QTemporaryDir>
 
 #include <cstdio>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
+using Section = PreferencesView::Section;
 
 namespace {
 
-QString fileName(const QString& folder, PreferencesView::Section section, const QString& appearance) {
-    const QString panel = QString(rawValue(section)).toLower().remove(u' ');
-    return u"%1/preferences-%2-%3.png"_s.arg(folder, appearance, panel);
+bool save(QWidget& widget, const QDir& folder, const QString& name) {
+    if (widget.grab().save(folder.filePath(name)))
+        return true;
+    std::fprintf(stderr, "PreferencesGallery: cannot write %s\n", qUtf8Printable(folder.filePath(name)));
+    return false;
 }
 
-/// All panels in the current appearance. False if one cannot be written.
-bool save(const QString& folder, PreferencesView& view, const QString& appearance) {
-    const auto items = view.findChildren<SidebarItem*>();
-    for (const auto section : allCases<PreferencesView::Section>()) {
-        items[static_cast<int>(section)]->click();
-        QCoreApplication::processEvents();
-        const QString path = fileName(folder, section, appearance);
-        if (!view.grab().save(path)) {
-            std::fprintf(stderr, "%s cannot be written\n", qPrintable(path));
-            return false;
-        }
+bool savePanels(PreferencesFixture& user, const QDir& folder, const QString& look) {
+    bool ok = true;
+    for (const Section section : allCases<Section>()) {
+        user.go(section);
+        const QString panel = QString(rawValue(section)).toLower().remove(u' ');
+        ok &= save(*user.view, folder, u"preferences-%1-%2.png"_s.arg(look, panel));
     }
-    return true;
+    return ok;
+}
+
+/// The panel with the picker: its open list, and the ring that the keyboard brings.
+bool savePicker(PreferencesFixture& user, const QDir& folder, const QString& look) {
+    user.go(Section::menuBar);
+    auto* picker = user.control<ChainPicker>(u"Chain"_s);
+    picker->showPopup();
+    bool ok = save(*picker->view()->window(), folder, u"preferences-%1-list.png"_s.arg(look));
+    picker->hidePopup();
+    QTest::keyClick(user.view->focusWidget(), Qt::Key_Tab);
+    ok &= save(*user.view, folder, u"preferences-%1-focus.png"_s.arg(look));
+    QTest::keyClick(picker, Qt::Key_Tab);
+    return save(*user.view, folder, u"preferences-%1-focus-switch.png"_s.arg(look)) && ok;
+}
+
+bool saveAll(Appearance appearance, const QDir& folder) {
+    setCurrentAppearance(appearance);
+    QApplication::setPalette(widgetPalette(appearance));
+    const QString look = appearance == Appearance::dark ? u"dark"_s : u"light"_s;
+    PreferencesFixture user;
+    user.settings->alertEnabled = true;
+    user.settings->disabledL2 = {u"zkSync Era"_s};
+    user.updater.canCheck = true;
+    user.store->snapshot = PreferencesFixture::snapshot();
+    user.open();
+    const bool ok = savePanels(user, folder, look);
+    return savePicker(user, folder, look) && ok;
 }
 
 } // namespace
 
-/// Saves a picture of each panel of the preferences, light and dark, into a folder. Fonts and scale are the
-/// environment's: FONTCONFIG_FILE, QT_SCALE_FACTOR.
+/// Fonts and scale are the environment's: FONTCONFIG_FILE, QT_SCALE_FACTOR.
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication::setStyle(u"fusion"_s);
-    const QString folder = QCoreApplication::arguments().value(1, u"."_s);
-    QDir().mkpath(folder);
-
-    const QTemporaryDir home;
-    UserDefaults defaults(home.filePath(u"preferences.json"_s), home.filePath(u"cache"_s));
-    const QDateTime time = QDateTime::fromSecsSinceEpoch(1'790'000'000, Qt::UTC);
-    defaults.setData(u"cachedSnapshot"_s, JSON::encode(SimulatedMarket::at(time)));
-    AppSettings settings(defaults);
-    settings.alertEnabled = true;
-    settings.disabledL2 = {u"zkSync Era"_s};
-    SnapshotStore store(settings, defaults);
-    UpdaterState updater;
-    updater.canCheck = true;
-
-    bool isSaved = true;
-    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
-        setCurrentAppearance(appearance);
-        PreferencesView view(store, settings, updater);
-        view.show();
-        isSaved = save(folder, view, appearance == Appearance::dark ? u"dark"_s : u"light"_s) && isSaved;
+    const QApplication application(argc, argv);
+    if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
+        std::fputs("Use: PreferencesGallery FOLDER\n", stderr);
+        return 2;
     }
-    worker().waitForDone();
-    return isSaved ? 0 : 1;
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const bool ok = saveAll(Appearance::light, folder);
+    return saveAll(Appearance::dark, folder) && ok ? 0 : 1;
 }

@@ -2,6 +2,7 @@
 
 #include "Design/DesignSystem.h"
 #include "Design/Symbols.h"
+#include "Views/Accessibility.h"
 #include "Views/Drawing.h"
 #include "Views/PickerList.h"
 
@@ -27,6 +28,7 @@ constexpr int mostVisible = 12;
 
 ChainPicker::ChainPicker(const QString& name, QWidget* parent)
     : QComboBox(parent) {
+    readControls();
     setAccessibleName(name);
     setFont(Fonts::sans(12, QFont::Normal));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

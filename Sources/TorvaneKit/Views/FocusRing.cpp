@@ -3,9 +3,7 @@
 #include "Design/DesignSystem.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QPainter>
-#include <QProxyStyle>
 
 namespace torvane {
 
@@ -15,43 +13,47 @@ constexpr int reach = 3; ///< how far the ring reaches beyond the control
 constexpr double thickness = 1.5;
 constexpr double radius = 9;
 
-/// A focus frame's size is the style's to say.
-class Style final : public QProxyStyle {
-public:
-    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
-        const bool isReach = metric == PM_FocusFrameHMargin || metric == PM_FocusFrameVMargin;
-        return isReach ? reach : QProxyStyle::pixelMetric(metric, option, widget);
-    }
-};
+/// Whether a control may lie elsewhere after this has happened to what it lies in.
+bool movesContent(const QEvent& event) {
+    return event.type() == QEvent::Move || event.type() == QEvent::Resize;
+}
 
 } // namespace
 
 FocusRing::FocusRing(QWidget* window)
-    : QFocusFrame(window)
-    , m_window(window) {
-    auto* style = new Style;
-    style->setParent(this);
-    setStyle(style);
+    : QWidget(window) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { follow(now); });
+    connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, QWidget* now) {
+        m_focused = now && parentWidget()->isAncestorOf(now) ? now : nullptr;
+        follow();
+    });
     qApp->installEventFilter(this);
 }
 
-void FocusRing::follow(QWidget* focused) {
-    const bool isOurs = focused && m_window->isAncestorOf(focused);
-    setWidget(m_isByKey && isOurs ? focused : nullptr);
-    setVisible(widget());
+void FocusRing::follow() {
+    const bool isWanted = m_isByKey && m_focused;
+    if (isWanted) {
+        const QRect control(m_focused->mapTo(parentWidget(), QPoint()), m_focused->size());
+        setGeometry(control.adjusted(-reach, -reach, reach, reach));
+        raise();
+    }
+    setVisible(isWanted);
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
     const bool isKey = event->type() == QEvent::KeyPress;
     if (isKey || event->type() == QEvent::MouseButtonPress) {
-        const bool changes = isKey != m_isByKey;
-        m_isByKey = isKey;
-        if (changes)
-            follow(QApplication::focusWidget());
+        if (isKey != m_isByKey) {
+            m_isByKey = isKey;
+            follow();
+        }
+    } else if (m_focused && movesContent(*event) && watched->isWidgetType()) {
+        const auto* widget = static_cast<const QWidget*>(watched);
+        if (widget == m_focused || (widget != parentWidget() && widget->isAncestorOf(m_focused)))
+            follow();
     }
-    return QFocusFrame::eventFilter(watched, event);
+    return false;
 }
 
 void FocusRing::paintEvent(QPaintEvent*) {

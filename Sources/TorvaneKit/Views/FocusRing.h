@@ -1,15 +1,17 @@
 #pragma once
 
-#include <QFocusFrame>
+#include <QPointer>
+#include <QWidget>
 
 namespace torvane {
 
-/// The ring around the control that has the keyboard's focus, in one window. It is there once a key has moved the focus
-/// or changed a control, and goes with the next click: who uses the mouse sees what was clicked.
-class FocusRing final : public QFocusFrame {
+/// The ring around the control that has the keyboard's focus, in one window. It is there once a key has been pressed,
+/// and goes with the next click: who uses the mouse sees what was clicked.
+class FocusRing final : public QWidget {
     Q_OBJECT
 
 public:
+    /// Lies over all that the window holds, which owns it.
     explicit FocusRing(QWidget* window);
 
 protected:
@@ -17,9 +19,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void follow(QWidget* focused);
+    void follow();
 
-    QWidget* m_window;
+    QPointer<QWidget> m_focused; ///< in this window; none while another has the focus
     bool m_isByKey = false;
 };
 

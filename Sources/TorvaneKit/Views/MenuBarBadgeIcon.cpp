@@ -4,8 +4,10 @@
 #include "Design/ChainIcon.h"
 
 #include <QPainter>
+#include <QPolygonF>
 
 #include <cmath>
+#include <numbers>
 
 namespace torvane {
 
@@ -19,6 +21,28 @@ constexpr int largestSide = 4096;
 
 QRectF grown(const QRectF& circle, double by) {
     return circle.adjusted(-by, -by, by, by);
+}
+
+/// The unit circle, with so many corners that none is seen. Qt takes four times as long to flatten the curves of an
+/// ellipse, which was most of what a badge cost.
+const QPolygonF& unitCircle() {
+    static const QPolygonF corners = [] {
+        constexpr int count = 64;
+        QPolygonF result;
+        for (int i = 0; i < count; ++i) {
+            const double angle = 2 * std::numbers::pi * i / count;
+            result.append({std::cos(angle), std::sin(angle)});
+        }
+        return result;
+    }();
+    return corners;
+}
+
+void fillCircle(QPainter& painter, const QRectF& circle, const QColor& color) {
+    const double radius = circle.width() / 2;
+    painter.setBrush(color);
+    painter.drawPolygon(
+        QTransform::fromTranslate(circle.center().x(), circle.center().y()).scale(radius, radius).map(unitCircle()));
 }
 
 } // namespace
@@ -51,13 +75,12 @@ void MenuBarBadgeIcon::paint(QPainter& painter) const {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-    painter.setBrush(Qt::black);
-    painter.drawEllipse(cutOut());
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    // What is transparent replaces what is there, as if that were erased by black: Qt does this at once, but hands the
+    // erasing to other threads and waits for them.
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    fillCircle(painter, cutOut(), Qt::transparent);
     // A template has the panel's colour: the dot's is given up.
-    painter.setBrush(colorIcon ? *dotColor : QColor(Qt::black));
-    painter.drawEllipse(dot());
+    fillCircle(painter, dot(), colorIcon ? *dotColor : QColor(Qt::black));
     painter.restore();
 }
 

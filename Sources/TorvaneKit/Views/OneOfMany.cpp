@@ -34,4 +34,10 @@ int OneOfMany::checked(const QList<QAbstractButton*>& buttons) {
     return found == buttons.end() ? -1 : static_cast<int>(found - buttons.begin());
 }
 
+void OneOfMany::keepOneTabStop(const QList<QAbstractButton*>& buttons) {
+    const bool isAny = checked(buttons) < 0;
+    for (QAbstractButton* button : buttons)
+        button->setFocusPolicy(isAny || button->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
 } // namespace torvane

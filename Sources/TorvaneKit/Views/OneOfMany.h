@@ -17,4 +17,7 @@ std::optional<int> afterKey(const QKeyEvent& key, int selected, int count, Qt::L
 /// The index of the checked button; -1 without one.
 int checked(const QList<QAbstractButton*>& buttons);
 
+/// Makes the keyboard stop once: at the checked button, or at any while there is none.
+void keepOneTabStop(const QList<QAbstractButton*>& buttons);
+
 } // namespace torvane::OneOfMany

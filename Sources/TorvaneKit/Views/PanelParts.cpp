@@ -2,6 +2,7 @@
 
 #include "Design/ChainIcon.h"
 #include "Design/DesignSystem.h"
+#include "Views/Accessibility.h"
 #include "Views/Drawing.h"
 #include "Views/SettingCard.h"
 #include "Views/StatusDot.h"
@@ -40,7 +41,7 @@ public:
         : m_text(text) {
         setFont(Fonts::sans(10.5, QFont::Normal));
         setFixedSize(fontMetrics().horizontalAdvance(text) + 2 * 8, fontMetrics().height() + 2 * 2);
-        setAccessibleName(text);
+        readAs(*this, QAccessible::StaticText, text);
     }
 
 protected:
@@ -137,7 +138,7 @@ QWidget* PanelParts::label(const QString& text) {
     font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
     auto* label = new TextLabel(text.toUpper(), font, Palette::ink3);
     label->setContentsMargins(2, 0, 2, 7);
-    label->setAccessibleName(text); // Capitals may be read letter by letter.
+    readAs(*label, QAccessible::Heading, text); // Capitals may be read letter by letter.
     return label;
 }
 

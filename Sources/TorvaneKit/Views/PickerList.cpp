@@ -65,6 +65,15 @@ public:
                   QStyleHintReturn* answer) const override {
         return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, answer);
     }
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        if (element != CE_ShapedFrame)
+            return QProxyStyle::drawControl(element, option, painter, widget);
+        painter->setPen(QColor(Palette::line2));
+        painter->setBrush(QColor(Palette::surface));
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    }
 };
 
 } // namespace
@@ -75,6 +84,7 @@ void PickerList::install(QComboBox& comboBox) {
     comboBox.setStyle(style);
     auto* list = new List(comboBox.font());
     comboBox.setView(list);
+    list->window()->setStyle(style); // The frame around it.
     comboBox.setItemDelegate(new Row(&comboBox));
 }
 

@@ -53,6 +53,10 @@ std::optional<QString> PopoverView::hoveredL2() const {
     return m_l2List->hoveredL2();
 }
 
+QSize PopoverView::sizeHint() const {
+    return {fixedWidth, QWidget::sizeHint().height()};
+}
+
 /// Title and figure stand on one line, block and level on the next: whichever is long has the room that the other one
 /// leaves.
 QLayout* PopoverView::header() {

@@ -30,6 +30,8 @@ public:
     /// The network whose row is under the pointer.
     std::optional<QString> hoveredL2() const;
 
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     void refreshRequested();
     void preferencesRequested();

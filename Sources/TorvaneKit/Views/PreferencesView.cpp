@@ -1,6 +1,7 @@
 #include "Views/PreferencesView.h"
 
 #include "Design/DesignSystem.h"
+#include "Views/Accessibility.h"
 #include "Views/FocusRing.h"
 #include "Views/PanelParts.h"
 #include "Views/PreferencesPanels.h"
@@ -74,13 +75,14 @@ QScrollArea* scrollArea() {
 
 QWidget* panel(Section section, QWidget* content, int scrollBarWidth) {
     auto* title = new TextLabel(QString(rawValue(section)), Fonts::sans(22, QFont::DemiBold), Palette::ink);
+    readAs(*title, QAccessible::Heading, title->text());
     auto* subtitle = new TextLabel(subtitleOf(section), Fonts::sans(12, QFont::Normal), Palette::ink3);
     subtitle->setContentsMargins(0, 3, 0, 16);
     QWidget* panel = PanelParts::column({title, subtitle, content});
     auto* layout = static_cast<QVBoxLayout*>(panel->layout());
     layout->setContentsMargins(sidePadding, topPadding, sidePadding - scrollBarWidth, topPadding);
     layout->addStretch();
-    panel->setAccessibleName(QString(rawValue(section)));
+    readAs(*panel, QAccessible::PropertyPage, title->text());
     return panel;
 }
 
@@ -92,7 +94,7 @@ PreferencesView::PreferencesView(SnapshotStore& store, AppSettings& settings, Up
     , m_settings(settings)
     , m_updater(updater)
     , m_scrollArea(scrollArea()) {
-    setFixedSize(size);
+    setFixedSize(contentSize);
     auto* sidebar = new Sidebar;
     for (const Section section : allCases<Section>())
         sidebar->add(symbolOf(section), QString(rawValue(section)));

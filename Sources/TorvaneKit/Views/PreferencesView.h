@@ -24,7 +24,7 @@ public:
     Section section() const { return m_section; }
 
     /// In device-independent pixels.
-    static constexpr QSize size{660, 520};
+    static constexpr QSize contentSize{660, 520};
 
 protected:
     void paintEvent(QPaintEvent* event) override;

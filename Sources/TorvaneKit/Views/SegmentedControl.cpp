@@ -1,6 +1,7 @@
 #include "Views/SegmentedControl.h"
 
 #include "Design/DesignSystem.h"
+#include "Views/Accessibility.h"
 #include "Views/Drawing.h"
 #include "Views/OneOfMany.h"
 
@@ -62,13 +63,14 @@ protected:
 
 SegmentedControl::SegmentedControl(const QString& name, const QStringList& labels, QWidget* parent)
     : QWidget(parent) {
-    setAccessibleName(name);
+    readAs(*this, QAccessible::Grouping, name);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     for (const QString& label : labels) {
         auto* segment = new Segment(label, this);
         segment->installEventFilter(this);
         connect(segment, &QAbstractButton::clicked, this,
                 [this, index = static_cast<int>(m_segments.size())] { Q_EMIT chosen(index); });
+        connect(segment, &QAbstractButton::toggled, this, [this] { OneOfMany::keepOneTabStop(m_segments); });
         m_segments.append(segment);
     }
 }

@@ -63,8 +63,7 @@ void SidebarItem::paintEvent(QPaintEvent*) {
 
 Sidebar::Sidebar(QWidget* parent)
     : QWidget(parent) {
-    readAsRoles();
-    setAccessibleName(u"Sections"_s);
+    readAs(*this, QAccessible::PageTabList, u"Sections"_s);
     setFixedWidth(sidebarWidth);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(10, 16, 10, 16);
@@ -93,6 +92,7 @@ void Sidebar::add(const QString& symbol, const QString& title) {
     auto* item = new SidebarItem(symbol, title);
     item->installEventFilter(this);
     connect(item, &QAbstractButton::toggled, this, [this, index = static_cast<int>(m_items.size())](bool isSelected) {
+        OneOfMany::keepOneTabStop(m_items);
         if (isSelected)
             Q_EMIT chosen(index);
     });
@@ -104,6 +104,7 @@ void Sidebar::add(const QString& symbol, const QString& title) {
 void Sidebar::select(int index) {
     const QSignalBlocker silence(m_items[index]);
     m_items[index]->setChecked(true);
+    OneOfMany::keepOneTabStop(m_items);
 }
 
 void Sidebar::paintEvent(QPaintEvent*) {
