@@ -22,7 +22,12 @@ const BadgeInk white{Qt::white, {}};
 const BadgeInk plated{QColor(0xec, 0xeb, 0xe7), QColor(0x1e, 0x1e, 0x1c)};
 
 BadgePicture picture(const QString& figure, bool isColored = false) {
-    return {u"Ethereum"_s, isColored, {}, true, figure};
+    return {{u"Ethereum"_s, MenuBarLabel::markSize, {}, MenuBarLabel::dotSize, isColored}, {}, true, figure};
+}
+
+BadgePicture withDot(BadgePicture picture) {
+    picture.icon.dotColor = Qt::green;
+    return picture;
 }
 
 FigureOutline outlineOf(const QString& figure) {
@@ -91,7 +96,7 @@ private Q_SLOTS:
                 const double padding = layout.mark.height() * 1.5 / 18;
                 QVERIFY(layout.mark.y() + layout.mark.height() - padding <= size - figureHeight(size));
                 QVERIFY(layout.mark.y() + padding > -0.6);
-                QVERIFY(layout.mark.height() >= 9);
+                QVERIFY(layout.mark.height() >= 7);
             }
             const QImage image = squareBadge(picture(figure), white, size);
             QCOMPARE(image.size(), QSize(size, size));
@@ -136,12 +141,11 @@ private Q_SLOTS:
     }
 
     void theDotInOneColourTakesTheInkAndStandsFree() {
-        BadgePicture dotted = picture({});
-        dotted.dot = Qt::green;
+        BadgePicture dotted = withDot(picture({}));
         const QImage image = squareBadge(dotted, white, 72);
         QCOMPARE(image.pixelColor(57, 57), QColor(Qt::white)); // Its middle: 14.25 of 18 points.
         QCOMPARE(image.pixelColor(57 + 12, 57).alpha(), 0);    // The ring: between 2.25 and 3.55 points away.
-        dotted.isColored = true;
+        dotted.icon.colorIcon = true;
         QCOMPARE(squareBadge(dotted, white, 72).pixelColor(57, 57), QColor(Qt::green));
         QCOMPARE(squareBadge(dotted, white, 72).pixelColor(57 - 12, 57).alpha(), 0); // Cut out of the tile.
     }
@@ -189,13 +193,21 @@ private Q_SLOTS:
         }
     }
 
+    void whereTheMarkCannotBeDrawnItsTagStands() {
+        BadgePicture sizeless = picture({});
+        sizeless.icon.size = 0;
+        QCOMPARE(columns(squareBadge(sizeless, white, 64)).second, -1); // No tag, nothing at all.
+        sizeless.tag = u"ARB"_s;
+        QVERIFY(pixelsOf(squareBadge(sizeless, white, 64), QRect(0, 0, 64, 64), Qt::white) > 50);
+    }
+
     void theSymbolicBadgeHasBothMarkings() {
         const QByteArray svg = symbolicBadge(picture(u"12.3"_s), QColor(1, 2, 3));
         QXmlStreamReader xml(svg);
         int paths = 0;
         QString style;
         while (!xml.atEnd()) {
-            if (!xml.readNextStartElement() && xml.tokenType() != QXmlStreamReader::StartElement)
+            if (xml.readNext() != QXmlStreamReader::StartElement)
                 continue;
             if (xml.name() == u"path") {
                 ++paths;
@@ -213,9 +225,9 @@ private Q_SLOTS:
     }
 
     void theSymbolicMarkIsTheDrawnOne() {
-        BadgePicture dotted = picture({});
-        dotted.dot = Qt::green;
-        for (const BadgePicture& each : {picture({}), dotted, BadgePicture{u"Nowhere"_s, false, Qt::red, true, {}}}) {
+        BadgePicture unknown = withDot(picture({}));
+        unknown.icon.chain = u"Nowhere"_s;
+        for (const BadgePicture& each : {picture({}), withDot(picture({})), unknown}) {
             const QImage drawn = squareBadge(each, white, 72);
             QSvgRenderer svg(symbolicBadge(each, Qt::white).replace("currentColor", "white"));
             QVERIFY(svg.isValid());

@@ -21,6 +21,8 @@ struct MenuBarBadgeIcon {
     double dotSize;                 ///< its diameter
     bool colorIcon;                 ///< in the network's colours; else black, as a template
 
+    bool operator==(const MenuBarBadgeIcon&) const = default;
+
     bool hasSize() const; ///< a size that can be drawn
     bool hasDot() const;  ///< a dot that can be drawn
 
