@@ -69,6 +69,7 @@ private Q_SLOTS:
     void openingAnOpenOneChangesNothing();
     void onlyThePointersPlaceKeepsClearOfTheIcon();
     void anUnknownPlaceIsTheCorner();
+    void anUnknownPlaceIsTheLastOne();
     void itFollowsItsContent();
     void contentTallerThanTheScreenScrolls();
     void contentThatBecomesTallScrolls();
@@ -208,6 +209,15 @@ void PopoverTest::anUnknownPlaceIsTheCorner() {
     popover.open({});
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
     QCOMPARE(window()->geometry(), QRect(area.right() + 1 - contentWidth, area.top(), contentWidth, 500));
+}
+
+void PopoverTest::anUnknownPlaceIsTheLastOne() {
+    Popover popover(makeContent());
+    popover.toggle(m_badge);
+    popover.toggle({});
+    QVERIFY(!popover.isOpen());
+    popover.open({});
+    QCOMPARE(window()->geometry(), expectedPlace(500));
 }
 
 void PopoverTest::itFollowsItsContent() {

@@ -1,5 +1,6 @@
 #include "Views/MenuBarBadgeIcon.h"
 
+#include "Design/Artwork.h"
 #include "Design/ChainGlyph.h"
 #include "Design/ChainIcon.h"
 
@@ -38,6 +39,12 @@ const QPolygonF& unitCircle() {
     return corners;
 }
 
+QPainterPath disc(const QRectF& circle) {
+    QPainterPath path;
+    path.addEllipse(circle);
+    return path;
+}
+
 void fillCircle(QPainter& painter, const QRectF& circle, const QColor& color) {
     const double radius = circle.width() / 2;
     painter.setBrush(color);
@@ -64,13 +71,36 @@ QRectF MenuBarBadgeIcon::cutOut() const {
     return grown(dot(), ring);
 }
 
+bool MenuBarBadgeIcon::hasSize() const {
+    return std::isfinite(size) && size > 0;
+}
+
+bool MenuBarBadgeIcon::hasDot() const {
+    return dotColor && std::isfinite(dotSize) && dotSize > 0;
+}
+
+QPainterPath MenuBarBadgeIcon::shape() const {
+    if (!hasSize())
+        return {};
+    QTransform place = QTransform::fromTranslate(padding, padding);
+    const QPainterPath glyph =
+        place.scale(size / Artwork::boxSide, size / Artwork::boxSide).map(ChainGlyph::path(chain));
+    if (!hasDot())
+        return glyph;
+    // Qt makes polygons of curves whose sides are a part of a unit: in points, a circle would have eight.
+    constexpr double fine = 64;
+    const QTransform enlarged = QTransform::fromScale(fine, fine);
+    QPainterPath cut = enlarged.inverted().map(enlarged.map(glyph).subtracted(enlarged.map(disc(cutOut()))));
+    cut.addPath(disc(dot()));
+    return cut;
+}
+
 void MenuBarBadgeIcon::paint(QPainter& painter) const {
     if (colorIcon)
         ChainIcon::paint(painter, mark(), chain);
     else
         ChainGlyph::paint(painter, mark(), chain, Qt::black);
-    // Not a number is no size either.
-    if (!dotColor || !(dotSize > 0))
+    if (!hasDot())
         return;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -85,7 +115,7 @@ void MenuBarBadgeIcon::paint(QPainter& painter) const {
 }
 
 QImage MenuBarBadgeIcon::rasterized(int pixels) const {
-    if (pixels < 1 || pixels > largestSide || !std::isfinite(size) || size <= 0)
+    if (pixels < 1 || pixels > largestSide || !hasSize())
         return {};
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);

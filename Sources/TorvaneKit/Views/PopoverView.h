@@ -12,6 +12,7 @@ class QLayout;
 namespace torvane {
 
 class L2List;
+class PlainButton;
 class TextLine;
 class UpdatedLine;
 
@@ -37,6 +38,10 @@ Q_SIGNALS:
     void preferencesRequested();
     void quitRequested();
 
+protected:
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     using Binding = std::function<void(const Snapshot&)>;
     using Action = void (PopoverView::*)();
@@ -57,7 +62,8 @@ private:
 
     void showSoon();
     void showPublished();
-    void orderFocus();
+    QList<PlainButton*> buttons() const;
+    void focusOn(PlainButton& button, Qt::FocusReason reason);
 
     SnapshotStore& m_store;
     AppSettings& m_settings;

@@ -5,6 +5,7 @@
 #include "Views/PopoverView.h"
 
 #include <QClipboard>
+#include <QScrollArea>
 #include <QSignalSpy>
 
 using namespace torvane;
@@ -28,10 +29,7 @@ class PopoverKeyboardTest final : public QObject {
 private Q_SLOTS:
     void init() {
         m_scene = std::make_unique<PopoverScene>();
-        m_view = std::make_unique<PopoverView>(m_scene->store, m_scene->settings);
-        m_view->show();
-        m_view->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+        open();
     }
 
     void cleanup() {
@@ -83,10 +81,7 @@ private Q_SLOTS:
     void rowsThatCameAfterLoadingHaveTheirPlaceToo() {
         m_view.reset();
         m_scene->store.snapshot = std::nullopt;
-        m_view = std::make_unique<PopoverView>(m_scene->store, m_scene->settings);
-        m_view->show();
-        m_view->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+        open();
         m_scene->store.snapshot = SampleSnapshot::busyHour();
         PaintCounter::settle();
         QCOMPARE(steps(Qt::Key_Tab, Qt::NoModifier), inOrder);
@@ -180,6 +175,28 @@ private Q_SLOTS:
         QCOMPARE(quit.size(), action == 2 ? 1 : 0);
     }
 
+    void aScrolledViewFollowsTheFocus() {
+        m_scene->change([](Snapshot& it) { it.l2 = SampleSnapshot::networks(60); });
+        PaintCounter::settle();
+        QScrollArea area;
+        area.setWidget(m_view.get());
+        area.resize(360, 400);
+        area.show();
+        area.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&area));
+        m_view->setFocus();
+        const auto isFocusVisible = [&area] {
+            const QWidget* button = QApplication::focusWidget();
+            const QRect place(button->mapTo(area.viewport(), QPoint()), button->size());
+            return area.viewport()->rect().contains(place);
+        };
+        for (const Qt::Key key : {Qt::Key_End, Qt::Key_Home, Qt::Key_Up, Qt::Key_Tab, Qt::Key_Down}) {
+            press(key);
+            QVERIFY(isFocusVisible());
+        }
+        m_view->setParent(nullptr);
+    }
+
     void shortcutsActWhileLoadingToo() {
         m_scene->store.snapshot = std::nullopt;
         PaintCounter::settle();
@@ -191,6 +208,15 @@ private Q_SLOTS:
     }
 
 private:
+    /// Opens it as its window does.
+    void open() {
+        m_view = std::make_unique<PopoverView>(m_scene->store, m_scene->settings);
+        m_view->show();
+        m_view->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+        m_view->setFocus();
+    }
+
     /// A key for whatever has the focus.
     void press(Qt::Key key, Qt::KeyboardModifier modifier = Qt::NoModifier) {
         QWidget* target = QApplication::focusWidget();

@@ -288,20 +288,22 @@ private Q_SLOTS:
     }
 
     void aRowIsSetOffUnderThePointer() {
-        L2Row row;
+        QWidget window;
+        window.resize(344, 100);
+        L2Row row(&window);
         row.setNetwork(u"Base"_s, u"0.01 gwei"_s, u"Elevated"_s);
         row.resize(rowSize);
-        row.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&row));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
         const auto isSetOff = [&row] {
             return pixelsOf(Palette::surface2.in(Appearance::light), drawn(row, rowSize), {150, 2, 20, 30}) ==
                    600 * enlarged * enlarged;
         };
-        QTest::mouseMove(&row, {100, 500});
+        QTest::mouseMove(&window, {100, 80});
         QTRY_VERIFY(!isSetOff());
         QTest::mouseMove(&row, {100, 10});
         QTRY_VERIFY(isSetOff());
-        QTest::mouseMove(&row, {100, 500});
+        QTest::mouseMove(&window, {100, 80});
         QTRY_VERIFY(!isSetOff());
     }
 
