@@ -2,6 +2,7 @@
 # accessibility.sh PROGRAM: what a screen reader is told of the popover, and that it can press what stands there.
 #
 # TREE              a file that keeps the tree
+# shellcheck disable=SC2016 # Dollars are dollars here.
 source "$(dirname "$0")/rig.sh"
 
 rig_enter "$@"
