@@ -28,6 +28,9 @@ double screenScale() {
 /// Trays with round icon sizes in mind give this height, in points.
 constexpr int trayPoints = 22;
 
+/// How much smaller than it should be a figure beside the mark may get.
+constexpr double leastPart = 0.7;
+
 } // namespace
 
 TrayWindowBadge::TrayWindowBadge(const SystemTray& tray)
@@ -72,11 +75,19 @@ QSize TrayWindowBadge::wanted() const {
     return {m_tray.isVertical() ? height : wideBadge(m_look.picture, m_ink, scale()).width(), height};
 }
 
+/// Some trays shrink a window to their own height, and its width with it; others know nothing but squares.
+QImage TrayWindowBadge::badge(QSize size) const {
+    const QImage wide = wideBadge(m_look.picture, m_ink, scale());
+    if (wide.width() <= size.width())
+        return wide;
+    const double part = size.width() / double(wide.width());
+    return part < leastPart ? squareBadge(m_look.picture, m_ink, std::min(size.width(), size.height()))
+                            : wideBadge(m_look.picture, m_ink, scale() * part);
+}
+
 void TrayWindowBadge::draw() {
     const QSize size = m_window->size();
-    QImage badge = wideBadge(m_look.picture, m_ink, scale());
-    if (badge.width() > size.width())
-        badge = squareBadge(m_look.picture, m_ink, std::min(size.width(), size.height()));
+    const QImage badge = this->badge(size);
     QImage whole(size, QImage::Format_ARGB32_Premultiplied);
     whole.fill(Qt::transparent);
     QPainter(&whole).drawImage((size.width() - badge.width()) / 2, (size.height() - badge.height()) / 2, badge);
