@@ -39,8 +39,10 @@ void TorvaneApp::obey(BadgeCommand command) {
     case BadgeCommand::quit:
         QCoreApplication::quit();
         return;
-    case BadgeCommand::show:
     case BadgeCommand::preferences:
+        m_preferences.open();
+        return;
+    case BadgeCommand::show:
         return;
     }
 }

@@ -4,6 +4,7 @@
 #include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
 #include "Design/Theme.h"
+#include "PreferencesWindow.h"
 
 #include <QObject>
 
@@ -28,6 +29,8 @@ private:
     Theme m_theme{m_settings, m_colorScheme, m_palette};
     BadgeFeed m_feed{m_store, m_settings};
     BadgeHost m_badge;
+    UpdaterState m_updater;
+    Preferences m_preferences{m_store, m_settings, m_updater};
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

@@ -5,12 +5,12 @@
 #include "Views/ChartView.h"
 #include "Views/Composition.h"
 #include "Views/FigureLine.h"
-#include "Views/SymbolTile.h"
 #include "Views/L2Detail.h"
 #include "Views/L2List.h"
 #include "Views/LevelLine.h"
 #include "Views/PopoverText.h"
 #include "Views/Rule.h"
+#include "Views/SymbolTile.h"
 #include "Views/TierCard.h"
 #include "Views/UpdatedLine.h"
 
