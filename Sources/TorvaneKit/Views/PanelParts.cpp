@@ -125,7 +125,9 @@ QWidget* PanelParts::netInfo(const QString& name, const QString& subtitle) {
     auto* layout = bare<QHBoxLayout>(network);
     layout->setSpacing(10);
     layout->addWidget(new ChainIcon(name, markSize));
-    layout->addWidget(info(name, subtitle), 1);
+    QWidget* texts = info(name, subtitle);
+    texts->findChild<TextLabel*>()->elide(); // Relays name networks as they like.
+    layout->addWidget(texts, 1);
     return network;
 }
 
