@@ -4,6 +4,8 @@
 
 #include <QScreen>
 
+#include <utility>
+
 namespace torvane {
 
 namespace {
@@ -24,18 +26,21 @@ Popover::Popover(MakeContent makeContent, std::chrono::milliseconds patience)
 Popover::~Popover() = default;
 
 void Popover::toggle(const QRect& badge) {
+    const bool isAnswered = !std::exchange(m_answeredUntil, QDeadlineTimer()).hasExpired();
     if (isOpen())
         close();
-    else if (m_answeredUntil.hasExpired())
+    else if (!isAnswered)
         open(badge);
 }
 
 void Popover::open(const QRect& badge) {
     if (isOpen())
         return;
-    const QScreen& screen = PopoverPlacement::screenOf(badge);
+    if (!badge.isNull())
+        m_lastBadge = badge;
+    const QScreen& screen = PopoverPlacement::screenOf(m_lastBadge);
     const QRect area = PopoverPlacement::workArea(screen);
-    const QRect place = wholeBadge(badge, screen.geometry(), area);
+    const QRect place = wholeBadge(m_lastBadge, screen.geometry(), area);
     m_window = std::make_unique<PopoverWindow>(m_makeContent(), place, area);
     connect(m_window.get(), &PopoverWindow::ended, this, &Popover::ended);
     m_window->open();

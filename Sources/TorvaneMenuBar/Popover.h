@@ -26,7 +26,7 @@ public:
     bool isOpen() const { return m_window != nullptr; }
 
     /// A click upon the badge, which lies there in device-independent pixels: a single pixel is where the pointer was,
-    /// and a null rectangle says nothing.
+    /// and a null rectangle says nothing: then it is taken to lie where it was last.
     void toggle(const QRect& badge);
 
     /// Opens it where it is not open.
@@ -40,6 +40,7 @@ private:
     const MakeContent m_makeContent;
     const std::chrono::milliseconds m_patience;
     std::unique_ptr<PopoverWindow> m_window;
+    QRect m_lastBadge;              // Null before it was seen.
     QDeadlineTimer m_answeredUntil; // Expired at first.
 };
 

@@ -2,11 +2,10 @@
 
 #include "Design/VisualEffect.h"
 #include "PopoverPlacement.h"
+#include "Views/ThinScrollBar.h"
 
 #include <QKeyEvent>
 #include <QScrollArea>
-#include <QScrollBar>
-#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -94,8 +93,12 @@ void PopoverWindow::fit() {
     QSize wanted = contentSize();
     m_scroller->widget()->resize(wanted);
     const bool scrolls = wanted.height() > m_area.height();
+    if (scrolls && !m_bar) {
+        m_bar = new ThinScrollBar;
+        m_scroller->setVerticalScrollBar(m_bar);
+    }
     if (scrolls)
-        wanted.rwidth() += m_scroller->verticalScrollBar()->sizeHint().width();
+        wanted.rwidth() += m_bar->sizeHint().width();
     m_scroller->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     setGeometry(PopoverPlacement::place(wanted, m_badge, m_area));
 }

@@ -5,6 +5,7 @@
 #include <memory>
 
 class QScrollArea;
+class QScrollBar;
 
 namespace torvane {
 
@@ -39,6 +40,7 @@ private:
     const QRect m_badge;
     const QRect m_area;
     QScrollArea* m_scroller;
+    QScrollBar* m_bar = nullptr; // None before it is needed.
 };
 
 } // namespace torvane

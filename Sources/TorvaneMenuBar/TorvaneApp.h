@@ -4,13 +4,14 @@
 #include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
 #include "Design/Theme.h"
+#include "Popover.h"
 #include "PreferencesWindow.h"
 
 #include <QObject>
 
 namespace torvane {
 
-/// The program: the shared objects, which live as long as it does, and the badge that shows them.
+/// The program: the shared objects, which live as long as it does, and what shows them.
 class TorvaneApp final : public QObject {
     Q_OBJECT
 
@@ -19,7 +20,10 @@ public:
     TorvaneApp();
 
 private:
+    void connectBadge();
     void obey(BadgeCommand command);
+    std::unique_ptr<QWidget> makePopoverView();
+    void refresh();
 
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
@@ -27,10 +31,11 @@ private:
     ApplicationPalette m_palette;
     ColorScheme m_colorScheme{QDBusConnection::sessionBus(), m_palette};
     Theme m_theme{m_settings, m_colorScheme, m_palette};
+    UpdaterState m_updaterState;
+    Preferences m_preferences{m_store, m_settings, m_updaterState};
+    Popover m_popover;
     BadgeFeed m_feed{m_store, m_settings};
     BadgeHost m_badge;
-    UpdaterState m_updater;
-    Preferences m_preferences{m_store, m_settings, m_updater};
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

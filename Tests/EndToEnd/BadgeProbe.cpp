@@ -43,9 +43,11 @@ int main(int argc, char* argv[]) {
     parser.addPositionalArgument(u"figures"_s, u"What is shown, in turn"_s);
     parser.process(application);
 
-    BadgePicture picture{parser.value(u"network"_s), parser.isSet(u"colored"_s), {}, !parser.isSet(u"mark-only"_s), {}};
+    MenuBarBadgeIcon icon{
+        parser.value(u"network"_s), MenuBarLabel::markSize, {}, MenuBarLabel::dotSize, parser.isSet(u"colored"_s)};
     if (parser.isSet(u"dot"_s))
-        picture.dot = QColor(parser.value(u"dot"_s));
+        icon.dotColor = QColor(parser.value(u"dot"_s));
+    BadgePicture picture{icon, {}, !parser.isSet(u"mark-only"_s), {}};
     BadgeHost badge(QDBusConnection::sessionBus());
     if (parser.isSet(u"prefers"_s))
         badge.setPreference(parser.value(u"prefers"_s) == "dark"_L1 ? Appearance::dark : Appearance::light);

@@ -13,7 +13,8 @@ keep() {
 }
 
 panel_start
-panel_screenshot "$RIG/empty.png"
+panel_settle
+cp "$RIG/now.png" "$RIG/empty.png"
 relay_start
 relay_order "baseFee 12.2"
 program_start "$program_under_test"

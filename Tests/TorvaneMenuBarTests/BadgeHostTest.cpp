@@ -32,7 +32,9 @@ PanelProcess lookUp(uint) {
 }
 
 BadgeLook look(const QString& figure = u"12.3"_s, bool isColored = false) {
-    return {{u"Ethereum"_s, isColored, QColor(0x5e, 0x72, 0x57), true, figure}, u"12.3 gwei · Low"_s};
+    const MenuBarBadgeIcon icon{u"Ethereum"_s, MenuBarLabel::markSize, QColor(0x5e, 0x72, 0x57), MenuBarLabel::dotSize,
+                                isColored};
+    return {{icon, {}, true, figure}, u"12.3 gwei · Low"_s};
 }
 
 QByteArray contentOf(const QString& path) {

@@ -44,8 +44,8 @@ private Q_SLOTS:
 
     void withoutASnapshotThereIsNoFigure() {
         const BadgeLook look = badgeLook({}, {}, *m_settings, now);
-        QCOMPARE(look.picture.network, u"Ethereum"_s);
-        QVERIFY(look.picture.figure.isEmpty() && !look.picture.dot && look.picture.wantsFigure);
+        QCOMPARE(look.picture.icon.chain, u"Ethereum"_s);
+        QVERIFY(look.picture.figure.isEmpty() && !look.picture.icon.dotColor && look.picture.wantsFigure);
         QCOMPARE(look.detail, u"No figures yet"_s);
         QCOMPARE(look.title(), u"Ethereum: No figures yet"_s);
     }
@@ -80,7 +80,7 @@ private Q_SLOTS:
 
     void aLayer2NetworkHasItsOwnFigureAndStatus() {
         m_settings->badgeChain = BadgeChain::l2(m_snapshot.l2[2].name);
-        QCOMPARE(look().picture.network, m_snapshot.l2[2].name);
+        QCOMPARE(look().picture.icon.chain, m_snapshot.l2[2].name);
         QCOMPARE(look().picture.figure, u"0.012 gwei"_s);
         QCOMPARE(look().detail, u"0.012 gwei · Elevated"_s);
         m_settings->denom = Denomination::usd;
@@ -90,7 +90,7 @@ private Q_SLOTS:
 
     void anUnknownNetworkHasADash() {
         m_settings->badgeChain = BadgeChain::l2(u"Atlantis"_s);
-        QCOMPARE(look().picture.network, u"Atlantis"_s);
+        QCOMPARE(look().picture.icon.chain, u"Atlantis"_s);
         QCOMPARE(look().picture.figure, u"—"_s);
         QCOMPARE(look().detail, u"— · Unavailable"_s);
     }
@@ -102,9 +102,9 @@ private Q_SLOTS:
     }
 
     void theUsersColoursAreFollowed() {
-        QVERIFY(!look().picture.isColored);
+        QVERIFY(!look().picture.icon.colorIcon);
         m_settings->colorIcon = true;
-        QVERIFY(look().picture.isColored);
+        QVERIFY(look().picture.icon.colorIcon);
     }
 
     void dataOlderThanTenMinutesSayFromWhenTheyAre_data() {
@@ -148,5 +148,5 @@ private:
     std::unique_ptr<AppSettings> m_settings;
 };
 
-QTEST_GUILESS_MAIN(BadgeLookTest)
+QTEST_MAIN(BadgeLookTest)
 #include "BadgeLookTest.moc"

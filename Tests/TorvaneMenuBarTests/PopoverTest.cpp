@@ -63,11 +63,13 @@ private Q_SLOTS:
     void escapeClosesIt();
     void turningAwayClosesIt();
     void theClickThatTookTheFocusDoesNotOpenItAgain();
+    void whoDoesNotClickTheBadgeOpensItAtOnce();
     void aLaterClickOpensItAgain();
     void afterEscapeAClickOpensItAtOnce();
     void openingAnOpenOneChangesNothing();
     void onlyThePointersPlaceKeepsClearOfTheIcon();
     void anUnknownPlaceIsTheCorner();
+    void anUnknownPlaceIsTheLastOne();
     void itFollowsItsContent();
     void contentTallerThanTheScreenScrolls();
     void contentThatBecomesTallScrolls();
@@ -146,7 +148,18 @@ void PopoverTest::theClickThatTookTheFocusDoesNotOpenItAgain() {
     QTRY_VERIFY(!popover.isOpen());
     popover.toggle(m_badge);
     QVERIFY(!popover.isOpen());
-    popover.open(m_badge); // That is no click upon the badge.
+    popover.toggle(m_badge); // Only one click can have been answered.
+    QVERIFY(popover.isOpen());
+}
+
+void PopoverTest::whoDoesNotClickTheBadgeOpensItAtOnce() {
+    QWidget other;
+    other.show();
+    Popover popover(makeContent(), 24h);
+    showOpen(popover);
+    QApplication::setActiveWindow(&other);
+    QTRY_VERIFY(!popover.isOpen());
+    popover.open(m_badge);
     QVERIFY(popover.isOpen());
 }
 
@@ -198,6 +211,15 @@ void PopoverTest::anUnknownPlaceIsTheCorner() {
     QCOMPARE(window()->geometry(), QRect(area.right() + 1 - contentWidth, area.top(), contentWidth, 500));
 }
 
+void PopoverTest::anUnknownPlaceIsTheLastOne() {
+    Popover popover(makeContent());
+    popover.toggle(m_badge);
+    popover.toggle({});
+    QVERIFY(!popover.isOpen());
+    popover.open({});
+    QCOMPARE(window()->geometry(), expectedPlace(500));
+}
+
 void PopoverTest::itFollowsItsContent() {
     Popover popover(makeContent());
     showOpen(popover);
@@ -215,6 +237,7 @@ void PopoverTest::contentTallerThanTheScreenScrolls() {
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
     const auto* scroller = window()->findChild<QScrollArea*>();
     const QScrollBar* bar = scroller->verticalScrollBar();
+    QVERIFY(bar);
     QVERIFY(area.contains(window()->geometry()));
     QCOMPARE(window()->height(), area.height());
     QCOMPARE(window()->width(), contentWidth + bar->sizeHint().width());
@@ -227,15 +250,15 @@ void PopoverTest::contentTallerThanTheScreenScrolls() {
 void PopoverTest::contentThatBecomesTallScrolls() {
     Popover popover(makeContent());
     showOpen(popover);
-    const auto* bar = window()->findChild<QScrollArea*>()->verticalScrollBar();
-    QVERIFY(!bar->isVisible());
+    const auto* scroller = window()->findChild<QScrollArea*>();
+    QVERIFY(!scroller->verticalScrollBar()->isVisible());
     m_content->setHeight(5000);
-    QTRY_VERIFY(bar->isVisible());
+    QTRY_VERIFY(scroller->verticalScrollBar()->isVisible());
     QTRY_COMPARE(m_content->size(), QSize(contentWidth, 5000));
     m_content->setHeight(400);
     QTRY_COMPARE(window()->geometry(), expectedPlace(400));
     QTRY_COMPARE(m_content->size(), QSize(contentWidth, 400));
-    QVERIFY(!bar->isVisible());
+    QVERIFY(!scroller->verticalScrollBar()->isVisible());
 }
 
 void PopoverTest::contentWhoseHeightGoesByItsWidthIsAsHigh() {

@@ -4,18 +4,43 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
 
 namespace torvane {
 
 namespace {
 
-constexpr double popoverRadius = 12;
+constexpr int popoverRadius = 12;
 
-QRegion region(const QPainterPath& path, double scale) {
-    return QRegion(path.toFillPolygon(QTransform::fromScale(scale, scale)).toPolygon());
+int radiusOf(Material material) {
+    return material == Material::popover ? popoverRadius : 0;
+}
+
+/// How far a quarter circle of this radius leaves a row of pixels free, to the nearest pixel.
+int indent(int radius, int row) {
+    const double height = radius - row - 0.5;
+    return static_cast<int>(std::lround(radius - std::sqrt(radius * radius - height * height)));
+}
+
+QRect scaled(const QRect& rectangle, double scale) {
+    return QRectF(QPointF(rectangle.topLeft()) * scale, QSizeF(rectangle.size()) * scale).toAlignedRect();
 }
 
 } // namespace
+
+QRegion VisualEffect::outline(const QRect& rectangle, int radius) {
+    const int rounded = std::min({radius, rectangle.width() / 2, rectangle.height() / 2});
+    QRegion region(rectangle.adjusted(0, rounded, 0, -rounded));
+    for (int row = 0; row < rounded; ++row) {
+        const int free = indent(rounded, row);
+        region += QRect(rectangle.x() + free, rectangle.top() + row, rectangle.width() - 2 * free, 1);
+        region += QRect(rectangle.x() + free, rectangle.bottom() - row, rectangle.width() - 2 * free, 1);
+    }
+    return region;
+}
 
 BackdropLook backdropLook(BlendingMode mode, bool isX11, const X11::Compositing& compositing) {
     if (mode == BlendingMode::withinWindow)
@@ -54,13 +79,6 @@ void VisualEffect::adapt() {
     update();
 }
 
-QPainterPath VisualEffect::outline(Material material, const QSizeF& size) {
-    const double radius = material == Material::popover ? popoverRadius : 0;
-    QPainterPath path;
-    path.addRoundedRect(QRectF(QPointF(), size), radius, radius);
-    return path;
-}
-
 bool VisualEffect::event(QEvent* event) {
     const bool result = QWidget::event(event);
     if (event->type() == QEvent::Resize || event->type() == QEvent::Show)
@@ -72,21 +90,24 @@ bool VisualEffect::event(QEvent* event) {
 void VisualEffect::shapeWindow() {
     if (!window()->windowHandle() || size().isEmpty())
         return;
-    const QPoint origin = mapTo(window(), QPoint());
-    const QPainterPath path = outline(m_material, size()).translated(origin);
+    const QRect place(mapTo(window(), QPoint()), size());
+    const int radius = radiusOf(m_material);
     if (m_look.isCutOut)
-        window()->setMask(region(path, 1));
+        window()->setMask(outline(place, radius));
     else
         window()->clearMask();
-    if (m_look.isBlurred)
-        X11::setBlurBehind(window()->winId(), region(path, devicePixelRatio()));
+    if (m_look.isBlurred) {
+        const double scale = devicePixelRatio();
+        X11::setBlurBehind(window()->winId(), outline(scaled(place, scale), qRound(radius * scale)));
+    }
 }
 
 /// Outside, a line that sets the window off from one of the same colour; inside it the edge of the glass.
 void VisualEffect::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QPainterPath path = outline(m_material, size());
+    QPainterPath path;
+    path.addRoundedRect(rect(), radiusOf(m_material), radiusOf(m_material));
     if (m_look.isCutOut)
         painter.fillRect(rect(), Palette::paper);
     else if (m_look.hasGround)

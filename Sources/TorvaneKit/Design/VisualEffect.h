@@ -2,7 +2,7 @@
 
 #include "Platform/X11Properties.h"
 
-#include <QPainterPath>
+#include <QRegion>
 #include <QWidget>
 
 namespace torvane {
@@ -39,8 +39,8 @@ public:
     void setMaterial(Material material);
     void setBlendingMode(BlendingMode mode);
 
-    /// The part of a widget of this size that the material covers.
-    static QPainterPath outline(Material material, const QSizeF& size);
+    /// The whole pixels of a rectangle with round corners.
+    static QRegion outline(const QRect& rectangle, int radius);
 
 protected:
     bool event(QEvent* event) override;

@@ -3,6 +3,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -49,7 +50,7 @@ ColorScheme::ColorScheme(const QDBusConnection& bus, const ApplicationPalette& p
     // By path, not by the service's name: for a name Qt asks for the owner, and waits. The bus itself holds back the
     // portal's many other settings.
     m_bus.connect(QString(), portalPath, settingsInterface, u"SettingChanged"_s, {appearanceGroup, colorSchemeKey},
-                  QString(), this, SLOT(settingChanged(QString, QString, QDBusVariant)));
+                  QString(), this, SLOT(settingChanged(QDBusMessage)));
     ask();
 }
 
@@ -61,9 +62,12 @@ bool ColorScheme::isDark() const {
     return m_preference == ColorPreference::dark;
 }
 
-void ColorScheme::settingChanged(const QString&, const QString&, const QDBusVariant& value) {
+/// As a message: to a slot that takes a variant Qt connects only once some other thread of its has registered the type.
+void ColorScheme::settingChanged(const QDBusMessage& signal) {
+    if (signal.signature() != "ssv"_L1)
+        return;
     m_question.reset(); // Its answer would say the same.
-    setPreference(preferenceFrom(value.variant()));
+    setPreference(preferenceFrom(signal.arguments().constLast()));
 }
 
 /// A portal may need long to start, at a login above all: its answer is heard whenever it comes.

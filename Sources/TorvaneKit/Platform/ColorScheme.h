@@ -4,11 +4,11 @@
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 #include <QTimer>
 
 #include <memory>
 
+class QDBusMessage;
 class QDBusPendingCallWatcher;
 
 namespace torvane {
@@ -35,7 +35,7 @@ Q_SIGNALS:
     void preferenceChanged();
 
 private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& signal);
 
 private:
     void ask();

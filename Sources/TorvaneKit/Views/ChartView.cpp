@@ -15,12 +15,12 @@ namespace {
 constexpr int lineHeight = 14;
 constexpr int columnGap = 10;
 
-/// The mean, without the sum of all values, which could be larger than any number.
-double average(const QList<double>& values) {
+/// The mean of values between these two; without the sum of all, which could be larger than any number.
+double average(const QList<double>& values, double low, double high) {
     double mean = 0;
     for (const double value : values)
         mean += value / static_cast<double>(values.size());
-    return mean;
+    return std::clamp(mean, low, high);
 }
 
 } // namespace
@@ -50,7 +50,9 @@ void ChartView::setChart(const QString& heading, const std::optional<ChartHistor
 }
 
 QString ChartView::caption(const ChartHistory& history) {
-    return QStringLiteral("%1 · Average %2").arg(range(history), Format::gwei(average(history.values)));
+    const auto [low, high] = std::minmax_element(history.values.cbegin(), history.values.cend());
+    const double mean = average(history.values, *low, *high);
+    return QStringLiteral("%1 · Average %2").arg(range(history), Format::gwei(mean));
 }
 
 QString ChartView::range(const ChartHistory& history) {

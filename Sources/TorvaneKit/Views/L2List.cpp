@@ -39,8 +39,6 @@ void L2List::placeSpark(const Row& row) const {
 }
 
 void L2List::setRowCount(qsizetype count) {
-    if (count == m_rows.size())
-        return;
     while (m_rows.size() > count)
         delete m_rows.takeLast().row;
     while (m_rows.size() < count) {
@@ -48,7 +46,6 @@ void L2List::setRowCount(qsizetype count) {
         m_rows.append({row, new Sparkline(row)});
         m_layout->addWidget(row);
     }
-    Q_EMIT rowsChanged();
 }
 
 void L2List::fill(const Row& row, const L2Entry& entry, Denomination denom) const {

@@ -27,10 +27,6 @@ public:
     /// The network whose row is under the pointer.
     std::optional<QString> hoveredL2() const;
 
-Q_SIGNALS:
-    /// Rows were added or taken away.
-    void rowsChanged();
-
 protected:
     void resizeEvent(QResizeEvent* event) override;
 

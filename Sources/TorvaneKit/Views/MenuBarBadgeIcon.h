@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPainterPath>
 #include <QRectF>
 #include <QString>
 
@@ -20,12 +21,20 @@ struct MenuBarBadgeIcon {
     double dotSize;                 ///< its diameter
     bool colorIcon;                 ///< in the network's colours; else black, as a template
 
+    bool operator==(const MenuBarBadgeIcon&) const = default;
+
+    bool hasSize() const; ///< a size that can be drawn
+    bool hasDot() const;  ///< a dot that can be drawn
+
     /// The side of the whole, with the padding around the mark.
     double side() const;
 
     QRectF mark() const;
     QRectF dot() const;
     QRectF cutOut() const; ///< what is cut out of the mark around the dot, transparent
+
+    /// What is filled of a template, in points; empty if there is no such size.
+    QPainterPath shape() const;
 
     /// Upon nothing: the dot's surroundings are erased. From the painter's origin, in points.
     void paint(QPainter& painter) const;

@@ -41,10 +41,19 @@ void PlainButton::focusInEvent(QFocusEvent* event) {
 }
 
 void PlainButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!event->isAutoRepeat())
+            click();
+        return;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        event->ignore(); // Where they lead is the view's to say.
+        return;
+    default:
         QAbstractButton::keyPressEvent(event);
-    else if (!event->isAutoRepeat())
-        click();
+    }
 }
 
 void PlainButton::paintEvent(QPaintEvent*) {

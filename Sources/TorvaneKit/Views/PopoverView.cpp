@@ -14,6 +14,9 @@
 #include "Views/TierCard.h"
 #include "Views/UpdatedLine.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollArea>
 #include <QShortcut>
 
 namespace torvane {
@@ -45,12 +48,15 @@ PopoverView::PopoverView(SnapshotStore& store, AppSettings& settings, QWidget* p
                      new Rule(margin), actions(), stretch));
     connect(&m_store, &ObservableObject::objectWillChange, this, &PopoverView::showSoon);
     connect(&m_settings, &ObservableObject::objectWillChange, this, &PopoverView::showSoon);
-    connect(m_l2List, &L2List::rowsChanged, this, &PopoverView::orderFocus);
     showPublished();
 }
 
 std::optional<QString> PopoverView::hoveredL2() const {
     return m_l2List->hoveredL2();
+}
+
+QSize PopoverView::sizeHint() const {
+    return {fixedWidth, QWidget::sizeHint().height()};
 }
 
 /// Title and figure stand on one line, block and level on the next: whichever is long has the room that the other one
@@ -210,11 +216,46 @@ void PopoverView::showPublished() {
     m_cadence->setText(QString(rawValue(m_settings.liveCadence.value())));
 }
 
-/// Rows that came later would follow the actions otherwise.
-void PopoverView::orderFocus() {
-    const QList<PlainButton*> buttons = findChildren<PlainButton*>(); // In the order of the screen.
-    for (qsizetype i = 1; i < buttons.size(); ++i)
-        setTabOrder(buttons[i - 1], buttons[i]);
+void PopoverView::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Up:
+        focusPreviousChild();
+        return;
+    case Qt::Key_Down:
+        focusNextChild();
+        return;
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        focusOn(event->key() == Qt::Key_End ? *buttons().last() : *buttons().first(), Qt::OtherFocusReason);
+        return;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+/// All that can be pressed, from top to bottom.
+QList<PlainButton*> PopoverView::buttons() const {
+    QList<PlainButton*> visible = findChildren<PlainButton*>();
+    visible.removeIf([this](const PlainButton* button) { return !button->isVisibleTo(this); });
+    return visible;
+}
+
+/// In the order of the screen, and round again: Qt's own order is that of coming, and rows come and go.
+bool PopoverView::focusNextPrevChild(bool next) {
+    const QList<PlainButton*> all = buttons();
+    const qsizetype current = all.indexOf(QApplication::focusWidget());
+    const qsizetype before = current < 0 ? all.size() : current;
+    const qsizetype index = next ? (current + 1) % all.size() : (before + all.size() - 1) % all.size();
+    focusOn(*all[index], next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
+}
+
+void PopoverView::focusOn(PlainButton& button, Qt::FocusReason reason) {
+    button.setFocus(reason);
+    for (QWidget* each = parentWidget(); each; each = each->parentWidget()) {
+        if (auto* scroller = qobject_cast<QScrollArea*>(each))
+            scroller->ensureWidgetVisible(&button, 0, margin);
+    }
 }
 
 } // namespace torvane

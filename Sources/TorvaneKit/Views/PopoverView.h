@@ -12,6 +12,7 @@ class QLayout;
 namespace torvane {
 
 class L2List;
+class PlainButton;
 class TextLine;
 class UpdatedLine;
 
@@ -30,10 +31,16 @@ public:
     /// The network whose row is under the pointer.
     std::optional<QString> hoveredL2() const;
 
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     void refreshRequested();
     void preferencesRequested();
     void quitRequested();
+
+protected:
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     using Binding = std::function<void(const Snapshot&)>;
@@ -55,7 +62,8 @@ private:
 
     void showSoon();
     void showPublished();
-    void orderFocus();
+    QList<PlainButton*> buttons() const;
+    void focusOn(PlainButton& button, Qt::FocusReason reason);
 
     SnapshotStore& m_store;
     AppSettings& m_settings;

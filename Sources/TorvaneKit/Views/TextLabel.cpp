@@ -6,24 +6,15 @@
 
 namespace torvane {
 
-TextLabel::TextLabel(const QString& text, const QFont& font, const DynamicColor& color, QWidget* parent)
-    : QLabel(parent)
-    , m_color(color) {
-    setTextFormat(Qt::PlainText); // Names of networks come from the relay.
+TextLabel::TextLabel(const QString& text, const QFont& font, const DynamicColor& color, QAccessible::Role role)
+    : m_color(color)
+    , m_role(role) {
+    installAccessibility();
+    setTextFormat(Qt::PlainText);
     setWordWrap(true);
     setFont(font);
     setText(text);
-}
-
-void TextLabel::elide() {
-    setWordWrap(false);
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-}
-
-void TextLabel::resizeEvent(QResizeEvent* event) {
-    QLabel::resizeEvent(event);
-    const bool isCut = !wordWrap() && fontMetrics().horizontalAdvance(text()) > contentsRect().width();
-    setToolTip(isCut ? text() : QString());
+    setAccessibleName(text);
 }
 
 /// The label's own drawing takes its colour from the widget's palette, which would have to be kept in step.
@@ -31,11 +22,7 @@ void TextLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setOpacity(opacityOf(*this));
     painter.setPen(m_color);
-    if (wordWrap())
-        painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextWordWrap, text());
-    else
-        painter.drawText(contentsRect(), static_cast<int>(alignment()),
-                         fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()));
+    painter.drawText(contentsRect(), static_cast<int>(alignment()) | (wordWrap() ? Qt::TextWordWrap : 0), text());
 }
 
 } // namespace torvane

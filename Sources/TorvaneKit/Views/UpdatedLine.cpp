@@ -18,11 +18,12 @@ constexpr qint64 longestWaitMs = 86400000;
 } // namespace
 
 UpdatedLine::UpdatedLine(QWidget* parent)
-    : TextLine({Fonts::sans(10.5, QFont::Medium), Palette::ink3, lineHeight}, {}, parent) {
-    m_nextAge.setSingleShot(true);
+    : TextLine({Fonts::sans(10.5, QFont::Medium), Palette::ink3, lineHeight}, {}, parent)
+    , m_nextAge(new QTimer(this)) {
+    m_nextAge->setSingleShot(true);
     // A coarse timer may fire early, before there is anything new to say, and would have to be set again.
-    m_nextAge.setTimerType(Qt::PreciseTimer);
-    connect(&m_nextAge, &QTimer::timeout, this, &UpdatedLine::showAge);
+    m_nextAge->setTimerType(Qt::PreciseTimer);
+    connect(m_nextAge, &QTimer::timeout, this, &UpdatedLine::showAge);
     showAge();
 }
 
@@ -37,7 +38,7 @@ void UpdatedLine::showEvent(QShowEvent* event) {
 }
 
 void UpdatedLine::hideEvent(QHideEvent* event) {
-    m_nextAge.stop();
+    m_nextAge->stop();
     TextLine::hideEvent(event);
 }
 
@@ -46,9 +47,9 @@ void UpdatedLine::showAge() {
     setText(QStringLiteral("Updated ") + updatedText(m_lastUpdated, now));
     setColor(isOld(m_lastUpdated, now) ? always(Palette::warn) : Palette::ink3);
     if (m_lastUpdated && isVisible())
-        m_nextAge.start(std::chrono::milliseconds(std::min(untilNextAge(*m_lastUpdated, now), longestWaitMs)));
+        m_nextAge->start(std::chrono::milliseconds(std::min(untilNextAge(*m_lastUpdated, now), longestWaitMs)));
     else
-        m_nextAge.stop();
+        m_nextAge->stop();
 }
 
 } // namespace torvane

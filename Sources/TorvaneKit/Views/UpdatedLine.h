@@ -25,7 +25,7 @@ private:
     void showAge();
 
     std::optional<QDateTime> m_lastUpdated;
-    QTimer m_nextAge;
+    QTimer* m_nextAge;
 };
 
 } // namespace torvane

@@ -1,7 +1,8 @@
 #include "Badge/BadgeDrawing.h"
 
-#include "Badge/BadgeMark.h"
 #include "Badge/FigureOutline.h"
+#include "Design/Artwork.h"
+#include "Design/ChainGlyph.h"
 #include "Design/DesignSystem.h"
 #include "Support/FixedPoint.h"
 
@@ -25,7 +26,6 @@ constexpr std::array iconSizes{16, 22, 24, 32, 48, 64, 66};
 /// Of the wide badge, in points.
 constexpr double gap = 2.5; // The mark has padding of its own.
 constexpr double rightMargin = 2;
-constexpr double figureSize = 13;
 constexpr double plateMargin = 3;
 
 /// The mark's own padding, as a part of its picture's side.
@@ -37,31 +37,60 @@ QImage canvas(QSize size) {
     return image;
 }
 
+/// A mark in the network's colours is a tile, and readable by itself.
+bool hasPlate(const BadgePicture& picture, const BadgeInk& ink, bool showsFigure) {
+    return ink.plate && (showsFigure || !picture.icon.colorIcon);
+}
+
 void drawPlate(QPainter& painter, const BadgeInk& ink, const QSize& size) {
-    if (!ink.plate)
-        return;
     const double radius = size.height() * 0.2;
     painter.setPen(Qt::NoPen);
     painter.setBrush(*ink.plate);
     painter.drawRoundedRect(QRectF(QPointF(), size), radius, radius);
 }
 
-/// A template has alpha alone: its colour is the ink.
-QImage inked(QImage mark, const BadgePicture& picture, const BadgeInk& ink) {
-    if (picture.isColored)
-        return mark;
+QImage inked(QImage mark, const QColor& ink) {
     QPainter painter(&mark);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(mark.rect(), ink.color);
+    painter.fillRect(mark.rect(), ink);
     return mark;
 }
 
 void drawMark(QPainter& painter, const BadgePicture& picture, const BadgeInk& ink, const QRect& place) {
-    painter.drawImage(place.topLeft(), inked(markImage(picture, place.width()), picture, ink));
+    const BadgeRaster raster = MenuBarLabel::badgeRaster(picture.icon, place.width());
+    if (!raster.image.isNull()) {
+        painter.drawImage(place.topLeft(), raster.isTemplate ? inked(raster.image, ink.color) : raster.image);
+        return;
+    }
+    painter.setFont(Fonts::mono(MenuBarLabel::fontSize * place.width() / badgePoints, QFont::Medium));
+    painter.setPen(ink.color);
+    painter.drawText(place, Qt::AlignCenter, picture.tag);
+}
+
+QPainterPath circle(const QRectF& bounds) {
+    QPainterPath path;
+    path.addEllipse(bounds);
+    return path;
+}
+
+/// As the icon draws itself, in its own points.
+QPainterPath markPath(const MenuBarBadgeIcon& icon) {
+    // Cutting turns curves into lines of about a unit: they have to be long in units to be smooth.
+    constexpr double enlarged = 100;
+    const QTransform points = QTransform::fromScale(1 / enlarged, 1 / enlarged);
+    const QTransform units = QTransform::fromScale(enlarged, enlarged);
+    QTransform place = QTransform::fromTranslate(icon.mark().x(), icon.mark().y());
+    place.scale(icon.size / Artwork::boxSide, icon.size / Artwork::boxSide);
+    const QPainterPath mark = place.map(ChainGlyph::path(icon.chain));
+    if (!icon.dotColor)
+        return mark;
+    QPainterPath whole = points.map(units.map(mark).subtracted(units.map(circle(icon.cutOut()))));
+    whole.addPath(circle(icon.dot()));
+    return whole;
 }
 
 QFont wideFont(double scale) {
-    QFont font = Fonts::mono(figureSize * scale, QFont::Medium);
+    QFont font = Fonts::mono(MenuBarLabel::fontSize * scale, QFont::Medium);
     // What lies behind is not known, so that subpixels cannot be blended with it.
     font.setStyleStrategy(QFont::NoSubpixelAntialias);
     return font;
@@ -69,11 +98,6 @@ QFont wideFont(double scale) {
 
 int pixels(double points, double scale) {
     return static_cast<int>(std::ceil(points * scale));
-}
-
-/// What is free at each end for the plate's round corners.
-int endMargin(const BadgeInk& ink, double scale) {
-    return ink.plate ? pixels(plateMargin, scale) : 0;
 }
 
 QString number(double value) {
@@ -108,13 +132,16 @@ QString shape(const QPainterPath& path) {
 } // namespace
 
 SquareLayout squareLayout(const BadgePicture& picture, int size, bool hasPlate) {
-    const int margin = hasPlate ? std::max(1, static_cast<int>(std::lround(size / 22.0))) : 0;
+    // Without a plate, round digits still reach a little below the line that they stand on.
+    const int margin = hasPlate ? std::max(1, static_cast<int>(std::lround(size / 22.0))) : size / 44;
     const FigureOutline outline =
         picture.figure.isEmpty() ? FigureOutline() // Fonts need not be loaded for none.
                                  : figureOutline(picture.figure, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
     const QPainterPath figure = placed(outline, size, margin);
-    if (figure.isEmpty())
-        return {QRect(margin, margin, size - 2 * margin, size - 2 * margin), {}};
+    if (figure.isEmpty()) {
+        const int inset = hasPlate ? margin : 0; // It has padding of its own.
+        return {QRect(inset, inset, size - 2 * inset, size - 2 * inset), {}};
+    }
     const int above = size - margin - figureHeight(size) - std::max(1, static_cast<int>(std::lround(size / 22.0)));
     // The mark's padding reaches out of the room that is left for the mark itself.
     const int side = static_cast<int>(std::floor((above - margin) / (1 - 2 * markPadding)));
@@ -126,8 +153,11 @@ QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size) {
     QImage image = canvas({size, size});
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawPlate(painter, ink, image.size());
-    const SquareLayout layout = squareLayout(picture, size, ink.plate.has_value());
+    SquareLayout layout = squareLayout(picture, size, ink.plate.has_value());
+    if (hasPlate(picture, ink, !layout.figure.isEmpty()))
+        drawPlate(painter, ink, image.size());
+    else if (ink.plate)
+        layout = squareLayout(picture, size, false);
     drawMark(painter, picture, ink, layout.mark);
     painter.fillPath(layout.figure, ink.color);
     return image;
@@ -150,11 +180,13 @@ int wideBadgeWidth(const BadgePicture& picture, double scale) {
 
 QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale) {
     const int height = pixels(badgePoints, scale);
-    const int margin = endMargin(ink, scale);
+    const bool isPlated = hasPlate(picture, ink, !picture.figure.isEmpty());
+    const int margin = isPlated ? pixels(plateMargin, scale) : 0; // For the plate's round corners.
     QImage image = canvas({wideBadgeWidth(picture, scale) + 2 * margin, height});
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawPlate(painter, ink, image.size());
+    if (isPlated)
+        drawPlate(painter, ink, image.size());
     drawMark(painter, picture, ink, QRect(margin, 0, height, height));
     const QFont font = wideFont(scale);
     painter.setFont(font);
@@ -173,7 +205,7 @@ QByteArray symbolicBadge(const BadgePicture& picture, const QColor& color) {
     const QString svg = u"<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\" viewBox=\"0 0 36 36\">"
                         "<style id=\"current-color-scheme\" type=\"text/css\">.ColorScheme-Text{color:%1}</style>"
                         "%2%3</svg>"_s;
-    return svg.arg(color.name(), shape(place.map(markPath(picture))), shape(layout.figure)).toUtf8();
+    return svg.arg(color.name(), shape(place.map(markPath(picture.icon))), shape(layout.figure)).toUtf8();
 }
 
 } // namespace torvane

@@ -30,7 +30,7 @@ private:
     const SnapshotStore& m_store;
     const AppSettings& m_settings;
     bool m_isStale = false;
-    QTimer m_age;
+    QTimer m_age{this};
 };
 
 } // namespace torvane

@@ -41,22 +41,22 @@ QStringList age(const std::optional<QDateTime>& lastUpdated, const QDateTime& no
 } // namespace
 
 QString BadgeLook::title() const {
-    return detail.isEmpty() ? picture.network : picture.network + ": "_L1 + detail;
+    return detail.isEmpty() ? picture.icon.chain : picture.icon.chain + ": "_L1 + detail;
 }
 
 BadgeLook badgeLook(const std::optional<Snapshot>& snapshot, const std::optional<QDateTime>& lastUpdated,
                     const AppSettings& settings, const QDateTime& now) {
     const BadgeChain& chain = settings.badgeChain;
-    BadgeLook look{{chain.title(), settings.colorIcon, {}, settings.menuNumber, {}}, u"No figures yet"_s};
+    BadgePicture picture{MenuBarLabel::badgeIcon(snapshot, settings), {}, settings.menuNumber, {}};
     if (!snapshot)
-        return look;
+        return {picture, u"No figures yet"_s};
+    picture.tag = Format::badgeTag(chain, snapshot->l2).value_or(QString());
+    picture.figure = MenuBarLabel::figureText(snapshot, settings).value_or(QString());
+    // Whoever switched the figure off still finds it in the tooltip.
     const QString figure = Format::badgeValue(chain, snapshot->gas, snapshot->l2, settings.badgeSource, settings.denom,
                                               snapshot->price.eth);
-    if (settings.menuNumber)
-        look.picture.figure = figure;
     const QStringList words{explained(figure, settings), levelWord(*snapshot, chain)};
-    look.detail = (words + age(lastUpdated, now)).join(u" · "_s);
-    return look;
+    return {picture, (words + age(lastUpdated, now)).join(u" · "_s)};
 }
 
 } // namespace torvane

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "Model/AppSettings.h"
-#include "Model/Snapshot.h"
+#include "Views/MenuBarLabel.h"
 
-#include <QColor>
 #include <QDateTime>
 #include <QString>
 
@@ -11,13 +9,12 @@
 
 namespace torvane {
 
-/// What of the badge is drawn: the network's mark, with a dot in its corner, and the figure such as "12.3".
+/// What of the badge is drawn: the network's mark with its dot, and the figure such as "12.3".
 struct BadgePicture {
-    QString network;
-    bool isColored = false; ///< in the network's colours; else in one ink, the panel's
-    std::optional<QColor> dot;
+    MenuBarBadgeIcon icon;
+    QString tag;             ///< in the icon's place, should it not be drawn
     bool wantsFigure = true; ///< whether the user wants one, be it known yet or not
-    QString figure;          ///< empty: the mark stands alone
+    QString figure;          ///< empty: the icon stands alone
 
     bool operator==(const BadgePicture&) const = default;
 };

@@ -32,7 +32,7 @@ QString guide(QString figure) {
 } // namespace
 
 std::optional<QString> LabelBadge::iconName(const BadgePicture& mark, const BadgeInk& ink) {
-    if (mark.isColored)
+    if (mark.icon.colorIcon)
         return m_icons.put(png(squareBadge(mark, {ink.color, {}}, iconPixels)), ".png"_L1);
     return m_icons.put(symbolicBadge(mark, ink.color), "-symbolic.svg"_L1);
 }

@@ -19,7 +19,7 @@ private Q_SLOTS:
     void changingItsFieldsChangesIt();
     void thePopoversGlassLiesOnPaperWithRoundCorners();
     void aWindowsMaterialIsPlainPaper();
-    void theOutlineIsRoundForThePopoverAlone();
+    void theOutlineIsRoundToThePixel();
 };
 
 void VisualEffectTest::theLookFollowsTheDesktop_data() {
@@ -113,11 +113,20 @@ void VisualEffectTest::aWindowsMaterialIsPlainPaper() {
         QCOMPARE(image.pixelColor(point), QColor(Palette::paper));
 }
 
-void VisualEffectTest::theOutlineIsRoundForThePopoverAlone() {
-    const QPainterPath popover = VisualEffect::outline(Material::popover, {344, 600});
-    QCOMPARE(popover.boundingRect(), QRectF(0, 0, 344, 600));
-    QVERIFY(!popover.contains(QPointF(3, 3)) && popover.contains(QPointF(4, 4)));
-    QVERIFY(VisualEffect::outline(Material::window, {344, 600}).contains(QPointF(0.5, 0.5)));
+void VisualEffectTest::theOutlineIsRoundToThePixel() {
+    const QRegion region = VisualEffect::outline({10, 20, 40, 30}, 4);
+    QCOMPARE(region.boundingRect(), QRect(10, 20, 40, 30));
+    // Of a circle of radius 4, the rows' ends are at 4 - sqrt(16 - 3.5²) = 2.06, 0.88, 0.29 and 0.03.
+    const QList<int> free{2, 1, 0, 0};
+    for (int row = 0; row < free.size(); ++row) {
+        for (const int y : {20 + row, 49 - row}) {
+            QVERIFY(region.contains(QPoint(10 + free[row], y)) && !region.contains(QPoint(9 + free[row], y)));
+            QVERIFY(region.contains(QPoint(49 - free[row], y)) && !region.contains(QPoint(50 - free[row], y)));
+        }
+    }
+    QCOMPARE(VisualEffect::outline({10, 20, 40, 30}, 0), QRegion(10, 20, 40, 30));
+    QCOMPARE(VisualEffect::outline({0, 0, 2, 2}, 12).boundingRect(), QRect(0, 0, 2, 2));
+    QVERIFY(VisualEffect::outline({}, 12).isEmpty());
 }
 
 QTEST_MAIN(VisualEffectTest)

@@ -3,6 +3,7 @@
 #include "Support/PrivateBus.h"
 
 #include <QDBusError>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QGuiApplication>
 #include <QSignalSpy>

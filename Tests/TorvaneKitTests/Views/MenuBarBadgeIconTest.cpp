@@ -71,6 +71,20 @@ private Q_SLOTS:
         QVERIFY(!isBlack(ethereum(true, {}).rasterized(54)));
     }
 
+    void aTemplatesShapeIsItsPicture() {
+        for (const std::optional<QColor>& dot : {std::optional<QColor>(), std::optional<QColor>(Palette::pos)}) {
+            const MenuBarBadgeIcon icon = ethereum(false, dot);
+            const QImage filled = drawn(54, [&icon](QPainter& painter) {
+                painter.setRenderHint(QPainter::Antialiasing);
+                painter.scale(3, 3);
+                painter.fillPath(icon.shape(), Qt::black);
+            });
+            QCOMPARE(visibleDifference(filled, icon.rasterized(54)), 0);
+        }
+        QVERIFY((MenuBarBadgeIcon{u"Ethereum"_s, notANumber, {}, 4.5, false}.shape().isEmpty()));
+        QVERIFY((MenuBarBadgeIcon{u"Ethereum"_s, -15, Palette::pos, 4.5, false}.shape().isEmpty()));
+    }
+
     void thePaddingIsFree() {
         for (const bool colored : {false, true}) {
             const QImage image = MenuBarBadgeIcon{u"Base"_s, 15, {}, 4.5, colored}.rasterized(54);
