@@ -13,6 +13,7 @@
 #include "Views/TierCard.h"
 #include "Views/UpdatedLine.h"
 
+#include <QPointer>
 #include <QScrollArea>
 #include <QSignalSpy>
 
@@ -378,6 +379,23 @@ private Q_SLOTS:
         QCOMPARE(paints.painted(), QList<QWidget*>());
         QTest::mouseMove(visible<TierCard>(*m_view)[0], {10, 10});
         QTRY_COMPARE(m_view->hoveredL2(), std::nullopt);
+    }
+
+    void openingsLeaveNothingBehind() {
+        open();
+        const qsizetype parts = m_view->findChildren<QObject*>().size();
+        QList<QPointer<QObject>> opened;
+        for (int i = 0; i < 20; ++i) {
+            open();
+            QCOMPARE(m_view->findChildren<QObject*>().size(), parts);
+            opened.append(m_view.get());
+            for (QObject* part : m_view->findChildren<QObject*>())
+                opened.append(part);
+        }
+        m_view.reset();
+        PaintCounter::settle();
+        for (const QPointer<QObject>& part : opened)
+            QVERIFY(!part);
     }
 
     void itMayGoWhileAnUpdateIsUnderWay() {
