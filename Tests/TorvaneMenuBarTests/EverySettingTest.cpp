@@ -236,11 +236,14 @@ private Q_SLOTS:
         const ColorScheme desktop(QDBusConnection(u"no such bus"_s), palette);
         {
             const Theme applied(settings(), desktop, palette);
+            PopoverView popoverView(*m_user->store, settings());
+            const QImage lightPopover = popoverView.grab().toImage();
             m_user->open(Section::appearance);
             clickSegment(u"Theme"_s, u"Dark"_s);
             QCOMPARE(stored(u"theme"_s), QJsonValue(u"Dark"_s));
             QTRY_COMPARE_WITH_TIMEOUT(currentAppearance(), Appearance::dark, limitMs);
             QCOMPARE(m_user->view->grab().toImage().pixelColor(2, 500), Palette::surface2.in(Appearance::dark));
+            QVERIFY(popoverView.grab().toImage() != lightPopover);
             clickSegment(u"Theme"_s, u"Light"_s);
             QTRY_COMPARE_WITH_TIMEOUT(currentAppearance(), Appearance::light, limitMs);
             clickSegment(u"Theme"_s, u"Dark"_s);
