@@ -58,6 +58,8 @@ private Q_SLOTS:
         QCOMPARE(window->size(), QSize(660, 520));
         QCOMPARE(window->minimumSize(), window->maximumSize());
         QCOMPARE(window->windowType(), Qt::Window);
+        QVERIFY(!window->windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+        QVERIFY(!window->windowIcon().isNull());
     }
 
     void anOpenWindowIsUsedAgainAsItIs() {

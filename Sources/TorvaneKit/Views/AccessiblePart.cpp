@@ -27,6 +27,15 @@ public:
         return QAccessibleWidget::interface_cast(type);
     }
 
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (button() && button()->isCheckable()) {
+            state.selectable = true;
+            state.selected = button()->isChecked();
+        }
+        return state;
+    }
+
     QStringList actionNames() const override {
         QStringList names = QAccessibleWidget::actionNames();
         if (button())

@@ -16,7 +16,7 @@ struct AccessibleRange {
 };
 
 /// A painted widget as assistive technology sees it. Its name is the widget's accessibleName; one that is a
-/// QAbstractButton can be pressed.
+/// QAbstractButton can be pressed, and selected where it can be checked.
 class AccessiblePart {
 public:
     virtual ~AccessiblePart() = default;

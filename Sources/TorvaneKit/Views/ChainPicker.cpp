@@ -2,7 +2,7 @@
 
 #include "Design/DesignSystem.h"
 #include "Design/Symbols.h"
-#include "Views/Accessibility.h"
+#include "Views/AccessibleControls.h"
 #include "Views/Drawing.h"
 #include "Views/PickerList.h"
 

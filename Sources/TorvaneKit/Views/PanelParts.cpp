@@ -2,12 +2,12 @@
 
 #include "Design/ChainIcon.h"
 #include "Design/DesignSystem.h"
-#include "Views/Accessibility.h"
 #include "Views/Drawing.h"
 #include "Views/SettingCard.h"
 #include "Views/StatusDot.h"
 #include "Views/Switch.h"
 #include "Views/TextLabel.h"
+#include "Views/TextLine.h"
 
 #include <QPainter>
 #include <QVBoxLayout>
@@ -19,6 +19,7 @@ namespace {
 constexpr int rowHeight = 47; ///< with the line below it, 48
 constexpr int rowPadding = 8;
 constexpr int controlGap = 12;
+constexpr int titleHeight = 16;
 constexpr double markSize = 24;
 constexpr int cardGap = 16;
 constexpr int noteGap = 10;
@@ -35,14 +36,17 @@ protected:
     }
 };
 
-class Capsule final : public QWidget {
+class Capsule final : public QWidget, public AccessiblePart {
 public:
     explicit Capsule(const QString& text)
         : m_text(text) {
         setFont(Fonts::sans(10.5, QFont::Normal));
         setFixedSize(fontMetrics().horizontalAdvance(text) + 2 * 8, fontMetrics().height() + 2 * 2);
-        readAs(*this, QAccessible::StaticText, text);
+        installAccessibility();
+        setAccessibleName(text);
     }
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
 
 protected:
     void paintEvent(QPaintEvent*) override {
@@ -90,6 +94,16 @@ Layout* bare(QWidget* parent) {
     return layout;
 }
 
+QWidget* subtitleLabel(const QString& text) {
+    return new TextLabel(text, Fonts::sans(11, QFont::Normal), Palette::ink3);
+}
+
+QWidget* lines(const QList<QWidget*>& texts) {
+    QWidget* lines = PanelParts::column(texts);
+    lines->layout()->setSpacing(1);
+    return lines;
+}
+
 } // namespace
 
 QWidget* PanelParts::column(const QList<QWidget*>& parts) {
@@ -112,12 +126,8 @@ QWidget* PanelParts::row(QWidget* label, QWidget* control) {
 }
 
 QWidget* PanelParts::info(const QString& title, const QString& subtitle) {
-    QList<QWidget*> lines{new TextLabel(title, Fonts::sans(13, QFont::Normal), Palette::ink)};
-    if (!subtitle.isEmpty())
-        lines.append(new TextLabel(subtitle, Fonts::sans(11, QFont::Normal), Palette::ink3));
-    QWidget* info = column(lines);
-    info->layout()->setSpacing(1);
-    return info;
+    auto* titleLabel = new TextLabel(title, Fonts::sans(13, QFont::Normal), Palette::ink);
+    return subtitle.isEmpty() ? titleLabel : lines({titleLabel, subtitleLabel(subtitle)});
 }
 
 QWidget* PanelParts::netInfo(const QString& name, const QString& subtitle) {
@@ -125,7 +135,9 @@ QWidget* PanelParts::netInfo(const QString& name, const QString& subtitle) {
     auto* layout = bare<QHBoxLayout>(network);
     layout->setSpacing(10);
     layout->addWidget(new ChainIcon(name, markSize));
-    layout->addWidget(info(name, subtitle), 1);
+    // A line that gives way: relays name networks as they like.
+    auto* title = new TextLine({Fonts::sans(13, QFont::Normal), Palette::ink, titleHeight}, name);
+    layout->addWidget(lines({title, subtitleLabel(subtitle)}), 1);
     return network;
 }
 
@@ -136,9 +148,9 @@ QWidget* PanelParts::sep() {
 QWidget* PanelParts::label(const QString& text) {
     QFont font = Fonts::label();
     font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
-    auto* label = new TextLabel(text.toUpper(), font, Palette::ink3);
+    auto* label = new TextLabel(text.toUpper(), font, Palette::ink3, QAccessible::Heading);
     label->setContentsMargins(2, 0, 2, 7);
-    readAs(*label, QAccessible::Heading, text); // Capitals may be read letter by letter.
+    label->setAccessibleName(text); // Capitals may be read letter by letter.
     return label;
 }
 

@@ -1,7 +1,6 @@
 #include "Views/PreferencesView.h"
 
 #include "Design/DesignSystem.h"
-#include "Views/Accessibility.h"
 #include "Views/FocusRing.h"
 #include "Views/PanelParts.h"
 #include "Views/PreferencesPanels.h"
@@ -61,6 +60,17 @@ QString subtitleOf(Section section) {
     Q_UNREACHABLE();
 }
 
+/// What the selected section shows, read as a page of the sidebar's tab.
+class Panel final : public QWidget, public AccessiblePart {
+public:
+    explicit Panel(const QString& title) {
+        installAccessibility();
+        setAccessibleName(title);
+    }
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::PropertyPage; }
+};
+
 QScrollArea* scrollArea() {
     auto* area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
@@ -74,15 +84,17 @@ QScrollArea* scrollArea() {
 }
 
 QWidget* panel(Section section, QWidget* content, int scrollBarWidth) {
-    auto* title = new TextLabel(QString(rawValue(section)), Fonts::sans(22, QFont::DemiBold), Palette::ink);
-    readAs(*title, QAccessible::Heading, title->text());
+    auto* title =
+        new TextLabel(QString(rawValue(section)), Fonts::sans(22, QFont::DemiBold), Palette::ink, QAccessible::Heading);
     auto* subtitle = new TextLabel(subtitleOf(section), Fonts::sans(12, QFont::Normal), Palette::ink3);
     subtitle->setContentsMargins(0, 3, 0, 16);
-    QWidget* panel = PanelParts::column({title, subtitle, content});
-    auto* layout = static_cast<QVBoxLayout*>(panel->layout());
+    auto* panel = new Panel(QString(rawValue(section)));
+    auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(sidePadding, topPadding, sidePadding - scrollBarWidth, topPadding);
+    layout->setSpacing(0);
+    for (QWidget* part : {static_cast<QWidget*>(title), static_cast<QWidget*>(subtitle), content})
+        layout->addWidget(part);
     layout->addStretch();
-    readAs(*panel, QAccessible::PropertyPage, title->text());
     return panel;
 }
 

@@ -1,7 +1,6 @@
 #include "Views/SegmentedControl.h"
 
 #include "Design/DesignSystem.h"
-#include "Views/Accessibility.h"
 #include "Views/Drawing.h"
 #include "Views/OneOfMany.h"
 
@@ -63,7 +62,8 @@ protected:
 
 SegmentedControl::SegmentedControl(const QString& name, const QStringList& labels, QWidget* parent)
     : QWidget(parent) {
-    readAs(*this, QAccessible::Grouping, name);
+    installAccessibility();
+    setAccessibleName(name);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     for (const QString& label : labels) {
         auto* segment = new Segment(label, this);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Views/AccessiblePart.h"
+
 #include <QList>
 #include <QStringList>
 #include <QWidget>
@@ -10,7 +12,7 @@ namespace torvane {
 
 /// Segments beside each other, one of which is selected: by a click, the arrow keys, Home and End. For the keyboard it
 /// is one stop, as a group of radio buttons is, and as that it is read.
-class SegmentedControl final : public QWidget {
+class SegmentedControl final : public QWidget, public AccessiblePart {
     Q_OBJECT
 
 public:
@@ -24,6 +26,7 @@ public:
     int selected() const;
 
     QSize sizeHint() const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
 
     /// What is left of the width, or lacks, is shared evenly: each width is its own hint and that share.
     static QList<double> widths(const QList<double>& hints, double available);

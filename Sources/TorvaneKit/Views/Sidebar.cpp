@@ -3,7 +3,6 @@
 #include "Design/DesignSystem.h"
 #include "Design/Symbols.h"
 #include "Model/Config.h"
-#include "Views/Accessibility.h"
 #include "Views/Drawing.h"
 #include "Views/OneOfMany.h"
 #include "Views/SymbolTile.h"
@@ -33,6 +32,7 @@ SidebarItem::SidebarItem(const QString& symbol, const QString& title, QWidget* p
     : QAbstractButton(parent)
     , m_symbol(symbol) {
     setText(title);
+    setAccessibleName(title);
     setFont(Fonts::sans(13, QFont::Medium));
     setCheckable(true);
     setAutoExclusive(true);
@@ -63,7 +63,8 @@ void SidebarItem::paintEvent(QPaintEvent*) {
 
 Sidebar::Sidebar(QWidget* parent)
     : QWidget(parent) {
-    readAs(*this, QAccessible::PageTabList, u"Sections"_s);
+    installAccessibility();
+    setAccessibleName(u"Sections"_s);
     setFixedWidth(sidebarWidth);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(10, 16, 10, 16);

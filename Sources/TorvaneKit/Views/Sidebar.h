@@ -1,17 +1,20 @@
 #pragma once
 
+#include "Views/AccessiblePart.h"
+
 #include <QAbstractButton>
 
 namespace torvane {
 
 /// One section's line in the sidebar: symbol and title. All of it can be clicked.
-class SidebarItem final : public QAbstractButton {
+class SidebarItem final : public QAbstractButton, public AccessiblePart {
     Q_OBJECT
 
 public:
     SidebarItem(const QString& symbol, const QString& title, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::PageTab; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -22,13 +25,15 @@ private:
 
 /// The program's name and version above a list of sections, one of which is selected: by a click, the arrow keys, Home
 /// and End. For the keyboard the list is one stop.
-class Sidebar final : public QWidget {
+class Sidebar final : public QWidget, public AccessiblePart {
     Q_OBJECT
 
 public:
     explicit Sidebar(QWidget* parent = nullptr);
 
     void add(const QString& symbol, const QString& title);
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::PageTabList; }
 
     /// Selects a section, which nobody is told.
     void select(int index);

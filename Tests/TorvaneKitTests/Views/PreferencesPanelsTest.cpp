@@ -7,6 +7,7 @@
 #include "Views/Stepper.h"
 #include "Views/Switch.h"
 #include "Views/TextLabel.h"
+#include "Views/TextLine.h"
 
 #include <QScrollArea>
 
@@ -36,8 +37,12 @@ class PreferencesPanelsTest final : public QObject {
 
     QStringList texts() const {
         QStringList texts;
-        for (const TextLabel* label : m_user->view->findChild<QScrollArea*>()->findChildren<TextLabel*>())
-            texts.append(label->text());
+        for (const QWidget* part : m_user->view->findChild<QScrollArea*>()->findChildren<QWidget*>()) {
+            const auto* label = qobject_cast<const TextLabel*>(part);
+            const auto* line = qobject_cast<const TextLine*>(part);
+            if (label || line)
+                texts.append(label ? label->text() : line->text());
+        }
         return texts;
     }
 

@@ -1,20 +1,16 @@
-#include "Views/Accessibility.h"
+#include "Views/AccessibleControls.h"
 
 #include "Views/ChainPicker.h"
-#include "Views/Sidebar.h"
 #include "Views/Stepper.h"
 
 #include <QAbstractItemView>
 #include <QAccessibleWidget>
 
 #include <algorithm>
-#include <tuple>
 
 namespace torvane {
 
 namespace {
-
-constexpr char roleProperty[] = "accessibleRole";
 
 class StepperInterface final : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
@@ -80,55 +76,18 @@ private:
     QObject* list() const { return picker().view(); }
 };
 
-class SidebarItemInterface final : public QAccessibleWidget {
-public:
-    explicit SidebarItemInterface(SidebarItem* item)
-        : QAccessibleWidget(item, QAccessible::PageTab, item->text()) {}
-
-    QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
-        state.selectable = true;
-        state.selected = item().isChecked();
-        return state;
-    }
-
-    QStringList actionNames() const override { return {pressAction()}; }
-
-    void doAction(const QString& name) override {
-        if (name == pressAction())
-            item().click();
-    }
-
-private:
-    SidebarItem& item() const { return *static_cast<SidebarItem*>(widget()); }
-};
-
 QAccessibleInterface* interfaceOf(const QString&, QObject* object) {
     if (auto* stepper = qobject_cast<Stepper*>(object))
         return new StepperInterface(stepper);
-    if (auto* item = qobject_cast<SidebarItem*>(object))
-        return new SidebarItemInterface(item);
     if (auto* picker = qobject_cast<ChainPicker*>(object))
         return new PickerInterface(picker);
-    const QVariant role = object->property(roleProperty);
-    if (role.isValid())
-        return new QAccessibleWidget(static_cast<QWidget*>(object), role.value<QAccessible::Role>());
     return nullptr;
 }
 
 } // namespace
 
-void readAs(QWidget& widget, QAccessible::Role role, const QString& name) {
-    readControls();
-    widget.setProperty(roleProperty, QVariant::fromValue(role));
-    // A label was read, as a label, when it got its text; and what is read is kept.
-    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(QAccessible::queryAccessibleInterface(&widget)));
-    widget.setAccessibleName(name);
-}
-
 void readControls() {
-    static const bool isInstalled = (QAccessible::installFactory(interfaceOf), true);
-    std::ignore = isInstalled;
+    QAccessible::installFactory(interfaceOf); // The same one again is not taken.
 }
 
 } // namespace torvane
