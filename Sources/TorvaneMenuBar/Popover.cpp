@@ -57,7 +57,7 @@ void Popover::close() {
 }
 
 void Popover::ended(PopoverEnd end) {
-    if (end == PopoverEnd::deactivation)
+    if (end == PopoverEnd::foreignWindow)
         m_answeredUntil = QDeadlineTimer(m_patience);
     close();
 }

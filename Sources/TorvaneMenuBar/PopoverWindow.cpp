@@ -4,6 +4,7 @@
 #include "PopoverPlacement.h"
 #include "Views/ThinScrollBar.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -71,7 +72,7 @@ bool PopoverWindow::event(QEvent* event) {
     const bool result = QWidget::event(event);
     const bool isLeft = event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Close;
     if (isLeft)
-        Q_EMIT ended(PopoverEnd::deactivation);
+        Q_EMIT ended(QApplication::activeWindow() ? PopoverEnd::ownWindow : PopoverEnd::foreignWindow);
     return result;
 }
 

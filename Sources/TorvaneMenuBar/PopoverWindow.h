@@ -9,8 +9,8 @@ class QScrollBar;
 
 namespace torvane {
 
-/// Why a popover closed by itself.
-enum class PopoverEnd { escape, deactivation };
+/// Why a popover closed by itself: its user typed Escape, or turned to another window, of ours or of another program.
+enum class PopoverEnd { escape, ownWindow, foreignWindow };
 
 /// The panel at the badge: a frame around a content that scrolls when the screen is too small for it. It has the
 /// content's size, follows it, and stays inside its screen's work area. The window goes when its user turns away from

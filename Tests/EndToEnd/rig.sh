@@ -114,6 +114,11 @@ rig_has_name() {
         grep -q 'boolean true'
 }
 
+# rig_owner NAME: the connection that owns the name.
+rig_owner() {
+    gdbus call --session --dest org.freedesktop.DBus --object-path / --method org.freedesktop.DBus.GetNameOwner "$1"
+}
+
 rig_is_running() {
     kill -0 "$1" 2>/dev/null
 }
@@ -231,6 +236,15 @@ menu_choose() {
     entry=$(menu_entry "$1" "$2") || rig_fail "there is no menu entry '$2'"
     gdbus call --session --dest "$1" --object-path /MenuBar --method com.canonical.dbusmenu.Event \
         "$entry" clicked '<0>' 0 >/dev/null
+}
+
+# The popover's window; fails when it is not open.
+popover_id() {
+    xdotool search --onlyvisible --name '^velisk$' 2>/dev/null
+}
+
+popover_is_open() {
+    popover_id >/dev/null
 }
 
 screenshot() {

@@ -3,6 +3,7 @@
 
 #include "Design/DesignSystem.h"
 #include "Support/PopoverScene.h"
+#include "Views/L2Row.h"
 #include "Views/PopoverView.h"
 
 #include <QApplication>
@@ -22,7 +23,18 @@ namespace {
 struct State {
     const char* name;
     std::function<void(PopoverScene&)> prepare;
+    std::function<void(PopoverView&)> touch = [](PopoverView&) {};
 };
+
+/// One row under the pointer, one with the keyboard's focus, one just copied.
+void touchRows(PopoverView& view) {
+    const auto rows = view.findChildren<L2Row*>();
+    rows[1]->setAttribute(Qt::WA_UnderMouse);
+    rows[2]->click();
+    view.activateWindow();
+    QCoreApplication::processEvents();
+    rows[3]->setFocus(Qt::TabFocusReason);
+}
 
 void switchAllOff(PopoverScene& scene) {
     for (const L2Entry& entry : scene.store.snapshot.value()->l2)
@@ -52,6 +64,7 @@ void shrinkFigures(Snapshot& snapshot) {
 
 const QList<State> states{
     {"usual", [](PopoverScene&) {}},
+    {"touched", [](PopoverScene&) {}, touchRows},
     {"ethereum", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::ethereum(); }},
     {"loading",
      [](PopoverScene& scene) {
@@ -108,10 +121,10 @@ bool write(const State& state, const QDir& folder) {
     scene.settings.badgeChain = BadgeChain::l2(u"Arbitrum"_s);
     state.prepare(scene);
     PopoverView view(scene.store, scene.settings);
-    view.setAttribute(Qt::WA_DontShowOnScreen);
     view.setAttribute(Qt::WA_TranslucentBackground);
     view.show();
     view.adjustSize();
+    state.touch(view);
     bool ok = true;
     for (const Appearance look : {Appearance::light, Appearance::dark}) {
         setCurrentAppearance(look);
@@ -128,6 +141,7 @@ bool write(const State& state, const QDir& folder) {
 } // namespace
 
 int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
         std::fputs("Use: PopoverGallery FOLDER [STATE...]\n", stderr);

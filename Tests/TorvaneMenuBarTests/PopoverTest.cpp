@@ -64,6 +64,7 @@ private Q_SLOTS:
     void turningAwayClosesIt();
     void theClickThatTookTheFocusDoesNotOpenItAgain();
     void whoDoesNotClickTheBadgeOpensItAtOnce();
+    void afterAnotherWindowOfOursAClickOpensItAtOnce();
     void aLaterClickOpensItAgain();
     void afterEscapeAClickOpensItAtOnce();
     void openingAnOpenOneChangesNothing();
@@ -140,11 +141,9 @@ void PopoverTest::turningAwayClosesIt() {
 }
 
 void PopoverTest::theClickThatTookTheFocusDoesNotOpenItAgain() {
-    QWidget panel;
-    panel.show();
     Popover popover(makeContent(), 24h);
     showOpen(popover);
-    QApplication::setActiveWindow(&panel);
+    QApplication::setActiveWindow(nullptr);
     QTRY_VERIFY(!popover.isOpen());
     popover.toggle(m_badge);
     QVERIFY(!popover.isOpen());
@@ -153,22 +152,29 @@ void PopoverTest::theClickThatTookTheFocusDoesNotOpenItAgain() {
 }
 
 void PopoverTest::whoDoesNotClickTheBadgeOpensItAtOnce() {
-    QWidget other;
-    other.show();
     Popover popover(makeContent(), 24h);
     showOpen(popover);
-    QApplication::setActiveWindow(&other);
+    QApplication::setActiveWindow(nullptr);
     QTRY_VERIFY(!popover.isOpen());
     popover.open(m_badge);
     QVERIFY(popover.isOpen());
 }
 
+void PopoverTest::afterAnotherWindowOfOursAClickOpensItAtOnce() {
+    QWidget preferences;
+    preferences.show();
+    Popover popover(makeContent(), 24h);
+    showOpen(popover);
+    QApplication::setActiveWindow(&preferences);
+    QTRY_VERIFY(!popover.isOpen());
+    popover.toggle(m_badge); // No panel has taken the keyboard.
+    QVERIFY(popover.isOpen());
+}
+
 void PopoverTest::aLaterClickOpensItAgain() {
-    QWidget panel;
-    panel.show();
     Popover popover(makeContent(), 0ms);
     showOpen(popover);
-    QApplication::setActiveWindow(&panel);
+    QApplication::setActiveWindow(nullptr);
     QTRY_VERIFY(!popover.isOpen());
     popover.toggle(m_badge);
     QVERIFY(popover.isOpen());

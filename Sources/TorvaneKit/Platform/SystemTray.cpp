@@ -3,19 +3,14 @@
 #include <QGuiApplication>
 
 #include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <string>
 
 namespace torvane {
 
-namespace {
+using XCB::atom;
+using XCB::owned;
 
-/// What xcb hands out is the receiver's to free.
-template <class T>
-std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
-    return {reply, &std::free};
-}
+namespace {
 
 /// The longest property read: twelve numbers of a tray's colours.
 constexpr quint32 mostNumbers = 12;
@@ -58,13 +53,12 @@ int depthOf(const xcb_screen_t& screen, xcb_visualid_t visual) {
 
 SystemTray::SystemTray(QObject* parent)
     : QObject(parent) {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    m_connection = x11 ? x11->connection() : nullptr;
+    m_connection = XCB::connection();
     if (!m_connection)
-        return; // The offscreen platform has the interface, but nothing behind it.
+        return;
     const int number = screenNumber();
     m_screen = screenOfNumber(m_connection, number);
-    m_selection = atom(("_NET_SYSTEM_TRAY_S" + std::to_string(number)).c_str());
+    m_selection = atom(std::string("_NET_SYSTEM_TRAY_S" + std::to_string(number)));
     m_managerMessage = atom("MANAGER");
     m_colors = atom("_NET_SYSTEM_TRAY_COLORS");
     m_orientation = atom("_NET_SYSTEM_TRAY_ORIENTATION");
@@ -78,12 +72,6 @@ SystemTray::SystemTray(QObject* parent)
 }
 
 SystemTray::~SystemTray() = default;
-
-xcb_atom_t SystemTray::atom(const char* name) const {
-    const auto cookie = xcb_intern_atom(m_connection, 0, static_cast<quint16>(std::strlen(name)), name);
-    const auto reply = owned(xcb_intern_atom_reply(m_connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_NONE);
-}
 
 /// Its end is watched before it is taken for the owner: one that goes in between is found gone.
 void SystemTray::findManager() {

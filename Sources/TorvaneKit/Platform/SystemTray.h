@@ -1,10 +1,11 @@
 #pragma once
 
+#include "Platform/XCB.h"
+
 #include <QAbstractNativeEventFilter>
 #include <QColor>
 #include <QList>
 #include <QObject>
-#include <xcb/xcb.h>
 
 #include <optional>
 
@@ -35,8 +36,6 @@ public:
     std::optional<QColor> foreground() const { return m_foreground; }
 
     bool isVertical() const { return m_isVertical; }
-
-    xcb_atom_t atom(const char* name) const;
 
     /// Asks the tray to take a window in.
     void dock(xcb_window_t window) const;

@@ -4,18 +4,13 @@
 #include <QPainter>
 
 #include <array>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 
 namespace torvane {
 
-namespace {
+using XCB::atom;
+using XCB::owned;
 
-template <class T>
-std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
-    return {reply, &std::free};
-}
+namespace {
 
 template <class Event>
 const Event& as(const xcb_generic_event_t& event) {
@@ -103,9 +98,9 @@ void SystemTrayWindow::describe() {
     };
     // Trays remember their icons by the name and the class.
     const QByteArray name = QGuiApplication::applicationName().toUtf8();
-    set(m_tray.atom("_NET_WM_NAME"), m_tray.atom("UTF8_STRING"), 8, name);
+    set(atom("_NET_WM_NAME"), atom("UTF8_STRING"), 8, name);
     set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, QByteArray(name + '\0' + name + '\0'));
-    set(m_tray.atom("_XEMBED_INFO"), m_tray.atom("_XEMBED_INFO"), 32, embedding);
+    set(atom("_XEMBED_INFO"), atom("_XEMBED_INFO"), 32, embedding);
     set(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32, sizeHints(m_wanted));
 }
 

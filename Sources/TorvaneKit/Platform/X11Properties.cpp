@@ -1,14 +1,11 @@
 #include "Platform/X11Properties.h"
 
-#include <QByteArrayView>
-#include <QGuiApplication>
+#include "Platform/XCB.h"
+
 #include <QHash>
-#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,31 +15,12 @@ namespace torvane {
 
 namespace {
 
-template <class Reply>
-using Owned = std::unique_ptr<Reply, decltype(&std::free)>;
-
-template <class Reply>
-Owned<Reply> owned(Reply* reply) {
-    return {reply, &std::free};
-}
-
-xcb_connection_t* connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
+using XCB::atom;
+using XCB::connection;
+using XCB::owned;
 
 xcb_window_t root() {
     return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
-}
-
-/// The server is asked for each atom once.
-xcb_atom_t atom(QByteArrayView name) {
-    static QHash<QByteArrayView, xcb_atom_t> known;
-    if (const auto found = known.constFind(name); found != known.cend())
-        return *found;
-    const auto cookie = xcb_intern_atom(connection(), false, static_cast<quint16>(name.size()), name.data());
-    const auto reply = owned(xcb_intern_atom_reply(connection(), cookie, nullptr));
-    return known[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 /// More than any client has of windows, states or rectangles, in units of four bytes.

@@ -28,6 +28,9 @@ double screenScale() {
 /// Trays with round icon sizes in mind give this height, in points.
 constexpr int trayPoints = 22;
 
+/// How much smaller than it should be a figure beside the mark may get.
+constexpr double leastPart = 0.7;
+
 } // namespace
 
 TrayWindowBadge::TrayWindowBadge(const SystemTray& tray)
@@ -35,6 +38,10 @@ TrayWindowBadge::TrayWindowBadge(const SystemTray& tray)
     m_hover.setSingleShot(true);
     m_hover.setInterval(toolTipDelayMs);
     connect(&m_hover, &QTimer::timeout, this, &TrayWindowBadge::showToolTip);
+    connect(&tray, &SystemTray::lookChanged, this, [this] {
+        if (m_window)
+            m_window->request(wanted()); // Upright panels are narrow.
+    });
 }
 
 TrayWindowBadge::~TrayWindowBadge() {
@@ -69,14 +76,20 @@ double TrayWindowBadge::scale() const {
 
 QSize TrayWindowBadge::wanted() const {
     const int height = static_cast<int>(trayPoints * screenScale());
-    return {m_tray.isVertical() ? height : wideBadge(m_look.picture, m_ink, scale()).width(), height};
+    return {m_tray.isVertical() ? height : wideBadgeSize(m_look.picture, m_ink, scale()).width(), height};
+}
+
+/// Some trays shrink a window to their own height, and its width with it; others know nothing but squares.
+QImage TrayWindowBadge::badge(QSize size) const {
+    const double part = size.width() / double(wideBadgeSize(m_look.picture, m_ink, scale()).width());
+    if (part < leastPart)
+        return squareBadge(m_look.picture, m_ink, std::min(size.width(), size.height()));
+    return wideBadge(m_look.picture, m_ink, scale() * std::min(part, 1.0));
 }
 
 void TrayWindowBadge::draw() {
     const QSize size = m_window->size();
-    QImage badge = wideBadge(m_look.picture, m_ink, scale());
-    if (badge.width() > size.width())
-        badge = squareBadge(m_look.picture, m_ink, std::min(size.width(), size.height()));
+    const QImage badge = this->badge(size);
     QImage whole(size, QImage::Format_ARGB32_Premultiplied);
     whole.fill(Qt::transparent);
     QPainter(&whole).drawImage((size.width() - badge.width()) / 2, (size.height() - badge.height()) / 2, badge);

@@ -23,6 +23,7 @@ public:
 
 private:
     void draw();
+    QImage badge(QSize size) const;
     double scale() const;
     QSize wanted() const;
     void pressed(Qt::MouseButton button, QPoint position);

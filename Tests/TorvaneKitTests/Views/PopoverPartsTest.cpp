@@ -292,6 +292,7 @@ private Q_SLOTS:
         window.resize(344, 100);
         L2Row row(&window);
         row.setNetwork(u"Base"_s, u"0.01 gwei"_s, u"Elevated"_s);
+        row.move(0, 50); // Not where the pointer is at first.
         row.resize(rowSize);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -299,11 +300,11 @@ private Q_SLOTS:
             return pixelsOf(Palette::surface2.in(Appearance::light), drawn(row, rowSize), {150, 2, 20, 30}) ==
                    600 * enlarged * enlarged;
         };
-        QTest::mouseMove(&window, {100, 80});
+        QTest::mouseMove(&window, {100, 20});
         QTRY_VERIFY(!isSetOff());
         QTest::mouseMove(&row, {100, 10});
         QTRY_VERIFY(isSetOff());
-        QTest::mouseMove(&window, {100, 80});
+        QTest::mouseMove(&window, {100, 20});
         QTRY_VERIFY(!isSetOff());
     }
 
