@@ -13,7 +13,7 @@ std::optional<ChartHistory> chartHistory(const BadgeChain& chain, const std::opt
     if (chain.isEthereum()) {
         if (!gas || gas->history.isEmpty())
             return std::nullopt;
-        return ChartHistory{QStringLiteral("24H BASE FEE"), gas->history, gweiUnit};
+        return ChartHistory{baseFeeHeading, gas->history, gweiUnit};
     }
     const L2Entry* entry = findL2(chain.title(), l2);
     // One value is a chart for Ethereum but not here: a network's series has only begun when there are two.

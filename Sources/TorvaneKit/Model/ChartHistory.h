@@ -21,6 +21,9 @@ struct ChartHistory {
 
 namespace Format {
 
+/// What stands over Ethereum's chart, with a history or without.
+inline constexpr QLatin1StringView baseFeeHeading("24H BASE FEE");
+
 /// The gas history of a network, in gwei; none where there is nothing to chart: no figures for Ethereum, or a Layer 2
 /// network that is not listed or has no history yet.
 std::optional<ChartHistory> chartHistory(const BadgeChain& chain, const std::optional<GasData>& gas,

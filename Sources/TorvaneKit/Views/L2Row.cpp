@@ -28,7 +28,7 @@ QFont figureFont() {
 /// The room that any usual figure fits in, so that the charts of all rows stand below each other.
 int figureRoom() {
     TextRun usual(figureFont());
-    usual.setText(QStringLiteral("0.0000 gwei"));
+    usual.setText(QStringLiteral("0.00000 gwei"));
     return static_cast<int>(std::ceil(usual.width()));
 }
 

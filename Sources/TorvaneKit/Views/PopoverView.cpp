@@ -134,8 +134,7 @@ QLayout* PopoverView::price() {
 QLayout* PopoverView::sparkSection() {
     auto* historyChart = new ChartView(chartSize, QStringLiteral("no history yet"));
     bind([historyChart](const Snapshot& snapshot) {
-        historyChart->setChart(QStringLiteral("24H BASE FEE"),
-                               Format::chartHistory(BadgeChain::ethereum(), snapshot.gas, {}));
+        historyChart->setChart(Format::baseFeeHeading, Format::chartHistory(BadgeChain::ethereum(), snapshot.gas, {}));
     });
     return padded({margin, 12, margin, 9}, column(historyChart));
 }
