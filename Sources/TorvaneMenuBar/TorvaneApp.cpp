@@ -1,14 +1,22 @@
 #include "TorvaneApp.h"
 
 #include "Coordination/Notifications.h"
+#include "Support/Notice.h"
 #include "TimerSettings.h"
 #include "Views/PopoverView.h"
 
 #include <QCoreApplication>
 
+#include <chrono>
+
 namespace torvane {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+/// At login, panels take some seconds to appear.
+constexpr std::chrono::milliseconds patienceForPanels = 10s;
 
 std::optional<Appearance> appearance(ColorPreference preference) {
     if (preference == ColorPreference::none)
@@ -23,9 +31,15 @@ TorvaneApp::TorvaneApp()
     , m_badge(QDBusConnection::sessionBus()) {
     connectBadge();
     rebuildTimersOnChange(m_settings, m_store);
+    connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
+    connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);
+}
+
+void TorvaneApp::comeForward() {
+    m_popover.open({});
 }
 
 void TorvaneApp::connectBadge() {
@@ -36,12 +50,21 @@ void TorvaneApp::connectBadge() {
     connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
             [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
     m_badge.show(m_feed.look());
+    m_patienceForPanels.setSingleShot(true);
+    connect(&m_patienceForPanels, &QTimer::timeout, this, &TorvaneApp::tellWhetherSeen);
+    m_patienceForPanels.start(patienceForPanels);
+}
+
+void TorvaneApp::tellWhetherSeen() {
+    if (m_badge.kind() == SurfaceKind::none)
+        notice(QStringLiteral("No panel here shows the badge so far; it appears as soon as one does. Start velisk once "
+                              "more to open its window."));
 }
 
 void TorvaneApp::obey(BadgeCommand command) {
     switch (command) {
     case BadgeCommand::show:
-        m_popover.open({});
+        comeForward();
         return;
     case BadgeCommand::refresh:
         refresh();

@@ -4,10 +4,12 @@
 #include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
 #include "Design/Theme.h"
+#include "Platform/SystemChanges.h"
 #include "Popover.h"
 #include "PreferencesWindow.h"
 
 #include <QObject>
+#include <QTimer>
 
 namespace torvane {
 
@@ -19,11 +21,15 @@ public:
     /// Needs a QApplication. The store starts with the main loop.
     TorvaneApp();
 
+    /// Opens the popover, for somebody who started the program once more.
+    void comeForward();
+
 private:
     void connectBadge();
     void obey(BadgeCommand command);
     std::unique_ptr<QWidget> makePopoverView();
     void refresh();
+    void tellWhetherSeen();
 
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
@@ -36,6 +42,8 @@ private:
     Popover m_popover;
     BadgeFeed m_feed{m_store, m_settings};
     BadgeHost m_badge;
+    QTimer m_patienceForPanels;
+    SystemChanges m_systemChanges;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

@@ -1,11 +1,13 @@
+#include "CommandLine.h"
+#include "Launch.h"
 #include "Model/Config.h"
 #include "Platform/TerminationSignals.h"
-#include "TorvaneApp.h"
 
 #include <QApplication>
 #include <QSessionManager>
 
 #include <csignal>
+#include <cstdio>
 
 namespace {
 
@@ -14,13 +16,25 @@ void doNotBringBack(QSessionManager& session) {
     session.setRestartHint(QSessionManager::RestartNever);
 }
 
+int print(const torvane::CommandLineAnswer& answer) {
+    std::fputs(qUtf8Printable(answer.text), answer.status == 0 ? stdout : stderr);
+    return answer.status;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (const auto answer = torvane::answerToArguments(arguments))
+        return print(*answer);
+
     // A connection that its server has closed is reported where it is written to, not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // A file that may not grow further is a failed write, which the next one mends.
     std::signal(SIGXFSZ, SIG_IGN);
+    torvane::preferX11();
     QApplication::setApplicationName(QStringLiteral("velisk"));
     QApplication::setApplicationVersion(torvane::Config::currentVersion());
     QApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
@@ -33,6 +47,6 @@ int main(int argc, char** argv) {
 
     const torvane::TerminationSignals signals_;
     QObject::connect(&signals_, &torvane::TerminationSignals::received, &application, &QCoreApplication::quit);
-    const torvane::TorvaneApp app;
+    const torvane::Launch launch;
     return QApplication::exec();
 }

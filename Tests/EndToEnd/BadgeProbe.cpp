@@ -29,7 +29,7 @@ constexpr QLatin1StringView surfaceNames[] = {"none"_L1,     "label"_L1,  "wide"
 } // namespace
 
 /// A program that is nothing but a badge: its arguments are the figures it shows, the next one at each "Refresh Now".
-/// It says what it shows the badge on, and what is clicked.
+/// "Preferences…" switches them off and on. It says what it shows the badge on, and what is clicked.
 int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"velisk"_s);
@@ -68,6 +68,10 @@ int main(int argc, char* argv[]) {
             showNext();
         else if (command == BadgeCommand::quit)
             QCoreApplication::quit();
+        else if (command == BadgeCommand::preferences) {
+            picture.wantsFigure = !picture.wantsFigure;
+            showNext();
+        }
     });
     say(u"surface none"_s);
     showNext();

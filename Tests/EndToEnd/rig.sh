@@ -12,6 +12,7 @@
 # RIG_PREPARE       a file that is sourced inside before the script goes on: it starts or lays down what the program
 #                   under test needs besides; its background jobs end with the script
 # RIG_KEEP          a file for a picture of the screen at a failure
+# RIG_SESSION_LIMIT seconds that the whole script may take (900)
 
 set -euo pipefail
 
@@ -45,7 +46,7 @@ rig_enter() {
     # The display's number is complete with its line's end.
     rig_wait "the X server" grep -q . "$RIG/display"
     local result=0
-    DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 900 dbus-run-session -- "$0" "$@" || result=$?
+    DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 "${RIG_SESSION_LIMIT:-900}" dbus-run-session -- "$0" "$@" || result=$?
     exit "$result"
 }
 
@@ -112,6 +113,11 @@ rig_has_window_manager() {
 rig_has_name() {
     dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner "string:$1" |
         grep -q 'boolean true'
+}
+
+# rig_owner NAME: the connection that owns the name.
+rig_owner() {
+    gdbus call --session --dest org.freedesktop.DBus --object-path / --method org.freedesktop.DBus.GetNameOwner "$1"
 }
 
 rig_is_running() {
@@ -231,6 +237,15 @@ menu_choose() {
     entry=$(menu_entry "$1" "$2") || rig_fail "there is no menu entry '$2'"
     gdbus call --session --dest "$1" --object-path /MenuBar --method com.canonical.dbusmenu.Event \
         "$entry" clicked '<0>' 0 >/dev/null
+}
+
+# The popover's window; fails when it is not open.
+popover_id() {
+    xdotool search --onlyvisible --name '^velisk$' 2>/dev/null
+}
+
+popover_is_open() {
+    popover_id >/dev/null
 }
 
 screenshot() {

@@ -3,6 +3,7 @@
 #include "Design/DesignSystem.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -23,6 +24,33 @@ int radiusOf(Material material) {
 int indent(int radius, int row) {
     const double height = radius - row - 0.5;
     return static_cast<int>(std::lround(radius - std::sqrt(radius * radius - height * height)));
+}
+
+QPainterPath rounded(const QRectF& rectangle, double radius) {
+    QPainterPath path;
+    path.addRoundedRect(rectangle, radius, radius);
+    return path;
+}
+
+/// A line of this width along the inside of a rectangle with round corners.
+QPainterPath ring(const QRectF& rectangle, double radius, double width) {
+    QPainterPath path = rounded(rectangle, radius);
+    path.addPath(rounded(rectangle.adjusted(width, width, -width, -width), radius - width));
+    return path; // Filled by the odd-even rule, which is a path's own.
+}
+
+/// Outside, a line that sets the window off from one of the same colour; inside it the edge of the glass, a hairline.
+void paintEdge(QPainter& painter, const QRectF& rectangle) {
+    painter.fillPath(ring(rectangle, popoverRadius, 1), QColor(Palette::line2));
+    painter.fillPath(ring(rectangle.adjusted(1, 1, -1, -1), popoverRadius - 1, 0.5), QColor(Palette::glassStroke));
+}
+
+/// A translucent colour upon an opaque one.
+QColor blended(const QColor& over, const QColor& below) {
+    const float opacity = over.alphaF();
+    const auto mix = [opacity](float a, float b) { return a * opacity + b * (1 - opacity); };
+    return QColor::fromRgbF(mix(over.redF(), below.redF()), mix(over.greenF(), below.greenF()),
+                            mix(over.blueF(), below.blueF()));
 }
 
 QRect scaled(const QRect& rectangle, double scale) {
@@ -102,23 +130,24 @@ void VisualEffect::shapeWindow() {
     }
 }
 
-/// Outside, a line that sets the window off from one of the same colour; inside it the edge of the glass.
-void VisualEffect::paintEvent(QPaintEvent*) {
+void VisualEffect::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath path;
-    path.addRoundedRect(rect(), radiusOf(m_material), radiusOf(m_material));
-    if (m_look.isCutOut)
-        painter.fillRect(rect(), Palette::paper);
-    else if (m_look.hasGround)
-        painter.fillPath(path, QColor(Palette::paper));
-    if (m_material == Material::window)
+    const QColor ground = Palette::paper;
+    if (m_material == Material::window) {
+        painter.fillRect(event->rect(), ground);
         return;
-    painter.fillPath(path, QColor(Palette::glassScrim));
-    // Twice as wide, and clipped: the half inside is left.
-    painter.setClipPath(path);
-    painter.strokePath(path, QPen(QColor(Palette::glassStroke), 3));
-    painter.strokePath(path, QPen(QColor(Palette::line2), 2));
+    }
+    const QColor glass = m_look.hasGround ? blended(Palette::glassScrim, ground) : QColor(Palette::glassScrim);
+    // Only the rows with round corners are worth a path; what is cut out of the window needs none.
+    const QRect middle = rect().adjusted(0, popoverRadius, 0, -popoverRadius);
+    painter.fillRect((m_look.isCutOut ? rect() : middle) & event->rect(), glass);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!m_look.isCutOut) {
+        painter.setClipRegion(QRegion(rect()) - middle);
+        painter.fillPath(rounded(rect(), popoverRadius), glass);
+        painter.setClipping(false);
+    }
+    paintEdge(painter, rect());
 }
 
 } // namespace torvane

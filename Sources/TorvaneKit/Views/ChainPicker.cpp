@@ -57,7 +57,9 @@ void ChainPicker::select(const BadgeChain& chain) {
 
 void ChainPicker::showSelection() {
     setPlaceholderText(m_selection.title());
-    setCurrentIndex(static_cast<int>(m_chains.indexOf(m_selection)));
+    const auto index = static_cast<int>(m_chains.indexOf(m_selection));
+    setCurrentIndex(index);
+    view()->setCurrentIndex(m_titles.index(index)); // Screen readers ask the list, also while it is closed.
 }
 
 QSize ChainPicker::sizeHint() const {

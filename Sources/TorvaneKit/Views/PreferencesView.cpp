@@ -60,7 +60,7 @@ QString subtitleOf(Section section) {
     Q_UNREACHABLE();
 }
 
-/// What the selected section shows, read as a page of the sidebar's tab.
+/// What the selected section shows, read as one pane.
 class Panel final : public QWidget, public AccessiblePart {
 public:
     explicit Panel(const QString& title) {
@@ -68,7 +68,7 @@ public:
         setAccessibleName(title);
     }
 
-    QAccessible::Role accessibleRole() const override { return QAccessible::PropertyPage; }
+    QAccessible::Role accessibleRole() const override { return QAccessible::Pane; }
 };
 
 QScrollArea* scrollArea() {

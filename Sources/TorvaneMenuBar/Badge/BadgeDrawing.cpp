@@ -100,6 +100,11 @@ int pixels(double points, double scale) {
     return static_cast<int>(std::ceil(points * scale));
 }
 
+/// What is free at each end of a wide badge for the plate's round corners.
+int endMargin(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+    return hasPlate(picture, ink, !picture.figure.isEmpty()) ? pixels(plateMargin, scale) : 0;
+}
+
 QString number(double value) {
     return fixedPoint(value, 3);
 }
@@ -170,29 +175,29 @@ QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink) {
     return images;
 }
 
-int wideBadgeWidth(const BadgePicture& picture, double scale) {
-    const int mark = pixels(badgePoints, scale);
+QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+    const int height = pixels(badgePoints, scale);
+    const int ends = 2 * endMargin(picture, ink, scale);
     if (picture.figure.isEmpty())
-        return mark;
-    return mark + pixels(gap + rightMargin, scale) +
-           static_cast<int>(std::ceil(QFontMetricsF(wideFont(scale)).horizontalAdvance(picture.figure)));
+        return {height + ends, height};
+    const double figure = QFontMetricsF(wideFont(scale)).horizontalAdvance(picture.figure);
+    return {height + pixels(gap + rightMargin, scale) + static_cast<int>(std::ceil(figure)) + ends, height};
 }
 
 QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale) {
-    const int height = pixels(badgePoints, scale);
-    const bool isPlated = hasPlate(picture, ink, !picture.figure.isEmpty());
-    const int margin = isPlated ? pixels(plateMargin, scale) : 0; // For the plate's round corners.
-    QImage image = canvas({wideBadgeWidth(picture, scale) + 2 * margin, height});
+    QImage image = canvas(wideBadgeSize(picture, ink, scale));
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isPlated)
+    const int height = image.height();
+    const int left = endMargin(picture, ink, scale);
+    if (hasPlate(picture, ink, !picture.figure.isEmpty()))
         drawPlate(painter, ink, image.size());
-    drawMark(painter, picture, ink, QRect(margin, 0, height, height));
+    drawMark(painter, picture, ink, QRect(left, 0, height, height));
     const QFont font = wideFont(scale);
     painter.setFont(font);
     painter.setPen(ink.color);
     const double baseline = std::round((height + QFontMetricsF(font).capHeight()) / 2);
-    painter.drawText(QPointF(margin + height + pixels(gap, scale), baseline), picture.figure);
+    painter.drawText(QPointF(left + height + pixels(gap, scale), baseline), picture.figure);
     return image;
 }
 

@@ -23,11 +23,11 @@ QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size);
 /// One for each usual size of icons.
 QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink);
 
-/// How wide the badge is with the figure beside the mark, in pixels, at `scale` pixels for a point. It is 18 points
-/// high.
-int wideBadgeWidth(const BadgePicture& picture, double scale);
-
+/// The height of the mark with its padding, and of the badge with the figure beside the mark.
 inline constexpr int badgePoints = 18;
+
+/// The size of the badge with the figure beside the mark, in pixels, at `scale` pixels for a point.
+QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double scale);
 
 QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale);
 

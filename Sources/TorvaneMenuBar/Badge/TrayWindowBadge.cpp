@@ -38,6 +38,10 @@ TrayWindowBadge::TrayWindowBadge(const SystemTray& tray)
     m_hover.setSingleShot(true);
     m_hover.setInterval(toolTipDelayMs);
     connect(&m_hover, &QTimer::timeout, this, &TrayWindowBadge::showToolTip);
+    connect(&tray, &SystemTray::lookChanged, this, [this] {
+        if (m_window)
+            m_window->request(wanted()); // Upright panels are narrow.
+    });
 }
 
 TrayWindowBadge::~TrayWindowBadge() {
@@ -72,17 +76,15 @@ double TrayWindowBadge::scale() const {
 
 QSize TrayWindowBadge::wanted() const {
     const int height = static_cast<int>(trayPoints * screenScale());
-    return {m_tray.isVertical() ? height : wideBadge(m_look.picture, m_ink, scale()).width(), height};
+    return {m_tray.isVertical() ? height : wideBadgeSize(m_look.picture, m_ink, scale()).width(), height};
 }
 
 /// Some trays shrink a window to their own height, and its width with it; others know nothing but squares.
 QImage TrayWindowBadge::badge(QSize size) const {
-    const QImage wide = wideBadge(m_look.picture, m_ink, scale());
-    if (wide.width() <= size.width())
-        return wide;
-    const double part = size.width() / double(wide.width());
-    return part < leastPart ? squareBadge(m_look.picture, m_ink, std::min(size.width(), size.height()))
-                            : wideBadge(m_look.picture, m_ink, scale() * part);
+    const double part = size.width() / double(wideBadgeSize(m_look.picture, m_ink, scale()).width());
+    if (part < leastPart)
+        return squareBadge(m_look.picture, m_ink, std::min(size.width(), size.height()));
+    return wideBadge(m_look.picture, m_ink, scale() * std::min(part, 1.0));
 }
 
 void TrayWindowBadge::draw() {

@@ -164,10 +164,18 @@ private Q_SLOTS:
     }
 
     void itIsReadAsAComboBox() {
-        const QAccessibleInterface* comboBox = QAccessible::queryAccessibleInterface(m_picker.get());
+        QAccessibleInterface* comboBox = QAccessible::queryAccessibleInterface(m_picker.get());
         QCOMPARE(comboBox->role(), QAccessible::ComboBox);
         QCOMPARE(comboBox->text(QAccessible::Name), u"Chain"_s);
         QCOMPARE(comboBox->text(QAccessible::Value), u"Ethereum"_s);
+        m_picker->select(BadgeChain::l2(u"Linea"_s));
+        const QAccessibleInterface* list = comboBox->child(0);
+        QCOMPARE(list->role(), QAccessible::List);
+        for (int i = 0; i < list->childCount(); ++i)
+            QCOMPARE(bool(list->child(i)->state().selected), i == 2);
+        comboBox->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+        QTRY_VERIFY_WITH_TIMEOUT(isOpen(), limitMs);
+        QVERIFY(comboBox->state().expanded);
     }
 };
 

@@ -44,7 +44,7 @@ private Q_SLOTS:
         QTest::addColumn<Section>("section");
         QTest::addColumn<QStringList>("expected");
         QTest::newRow("general") << Section::general
-                                 << QStringList{u"PropertyPage \"General\""_s,
+                                 << QStringList{u"Pane \"General\""_s,
                                                 u"  Heading \"General\""_s,
                                                 u"  StaticText \"Startup, units, and how often gas refreshes.\""_s,
                                                 u"  StaticText \"Launch at login\""_s,
@@ -62,7 +62,7 @@ private Q_SLOTS:
         QTest::newRow("networks")
             << Section::networks
             << QStringList{
-                   u"PropertyPage \"Networks\""_s,
+                   u"Pane \"Networks\""_s,
                    u"  Heading \"Networks\""_s,
                    u"  StaticText \"Choose which chains show in the popover.\""_s,
                    u"  StaticText \"Ethereum\""_s,
@@ -77,7 +77,7 @@ private Q_SLOTS:
                    u"  StaticText \"Enabled networks appear in the popover's Layer 2 list. Ethereum mainnet is always shown.\""_s};
         QTest::newRow("menu bar")
             << Section::menuBar
-            << QStringList{u"PropertyPage \"Menu Bar\""_s,
+            << QStringList{u"Pane \"Menu Bar\""_s,
                            u"  Heading \"Menu Bar\""_s,
                            u"  StaticText \"What the icon shows at the top of your screen.\""_s,
                            u"  StaticText \"Chain\""_s,
@@ -100,7 +100,7 @@ private Q_SLOTS:
                            u"  StaticText \"Status colour on the icon's corner · needs Colour icon\" disabled"_s,
                            u"  CheckBox \"Status dot\" checked disabled"_s};
         QTest::newRow("alerts") << Section::alerts
-                                << QStringList{u"PropertyPage \"Alerts\""_s,
+                                << QStringList{u"Pane \"Alerts\""_s,
                                                u"  Heading \"Alerts\""_s,
                                                u"  StaticText \"Get notified when gas is cheap.\""_s,
                                                u"  StaticText \"Notify when gas drops below\""_s,
@@ -113,7 +113,7 @@ private Q_SLOTS:
                                                u"  StaticText \"Play sound with notification\""_s,
                                                u"  CheckBox \"Play sound with notification\""_s};
         QTest::newRow("appearance") << Section::appearance
-                                    << QStringList{u"PropertyPage \"Appearance\""_s,
+                                    << QStringList{u"Pane \"Appearance\""_s,
                                                    u"  Heading \"Appearance\""_s,
                                                    u"  StaticText \"Theme and status colours.\""_s,
                                                    u"  Heading \"Theme\""_s,
@@ -127,7 +127,7 @@ private Q_SLOTS:
                                                    u"  StaticText \"Busy\""_s};
         QTest::newRow("about")
             << Section::about
-            << QStringList{u"PropertyPage \"About\""_s,
+            << QStringList{u"Pane \"About\""_s,
                            u"  Heading \"About\""_s,
                            u"  StaticText \"Version and software updates.\""_s,
                            u"  StaticText \"velisk\""_s,
