@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCache>
 #include <QFont>
 #include <QGlyphRun>
 #include <QList>
@@ -7,10 +8,13 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace torvane {
 
-/// One line of text, shaped once and drawn often, in the painter's pen colour. What does not fit ends in "…".
+/// One line of text, shaped once and drawn often, in the painter's pen colour. Texts that were shaped before, by
+/// another line too, are not shaped again: each opening of the popover shows mostly those of the one before. What does
+/// not fit ends in "…".
 class TextRun final {
 public:
     explicit TextRun(const QFont& font)
@@ -43,7 +47,11 @@ private:
         double ascent = 0;
     };
 
+    using KnownShapes = QCache<std::pair<QString, QFont>, Shape>;
+
+    static KnownShapes& knownShapes();
     Shape shaped(const QString& text) const;
+    Shape laidOut(const QString& text) const;
     const Shape& shape(double room) const;
 
     QFont m_font;
