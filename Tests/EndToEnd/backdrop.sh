@@ -1,101 +1,80 @@
 #!/usr/bin/env bash
-# backdrop.sh PROGRAM: what the popover lets through: without a compositor, with one, and with one that blurs.
-#
-# SHOTS             a folder that keeps the pictures
+# backdrop.sh PROGRAM: the popover's glass without a compositor, with one, and with one that blurs; what lies behind the
+# window shows at its corners.
 source "$(dirname "$0")/rig.sh"
-
 rig_enter "$@"
-
-# KWin's name for it. On the root window it says that the compositor blurs, on a window where.
+program_under_test=$1
 blur=_KDE_NET_WM_BLUR_BEHIND_REGION
-
-# color_in FILE X Y
-color_in() {
-    convert "$1" -crop "1x1+$2+$3" +repage -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}'
-}
-
-# popover_looks CORNER GROUND: the colours where it is round, at its lower left, and where it has no text.
-popover_looks() {
-    screenshot "$RIG/open.png"
-    [ "$(color_in "$RIG/open.png" "$X" $((Y + 299)))" = "$1" ] &&
-        [ "$(color_in "$RIG/open.png" $((X + 172)) $((Y + 200)))" = "$2" ]
-}
-
-# popover_open: sets X and Y to its place.
-popover_open() {
-    click 1 "$badge"
-    program_wait "the popover" popover_is_open
-    program_wait "the popover's activation" popover_is_active
-    eval "$(xdotool getwindowgeometry --shell "$(popover_id)" | grep -E '^[XY]=')"
-}
-
-popover_close() {
-    [ -z "${SHOTS:-}" ] || cp "$RIG/open.png" "$SHOTS/$1.png"
-    click 1 "$badge"
-    program_wait "the popover's end" rig_not popover_is_open
-}
-
-# The numbers of the region to blur, in one line; fails where there is none.
-blurred_region() {
-    xprop -id "$(popover_id)" -notype "$blur" | grep -o '= .*' | tr -d '=,'
-}
-
-# This one paints the desktop grey.
-compositor_runs() {
-    screenshot "$RIG/desktop.png"
-    [ "$(color_in "$RIG/desktop.png" 40 700)" = "#808080" ]
-}
-
-panel_start
-panel_screenshot "$RIG/empty.png"
-program_start "$@"
-program_wait "the item's registration" item_is_registered
-program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 200
-badge=$(difference_box "$RIG/empty.png" "$RIG/now.png")
-opaque=#FBFAF9 # the light scrim upon paper
-
-# A white window behind it: what is transparent shows as black where there is no compositor, and the desktop is black.
-xev -geometry 480x480+790+60 >"$RIG/log/behind" 2>&1 &
-behind_is_white() {
-    screenshot "$RIG/closed.png"
-    [ "$(color_in "$RIG/closed.png" 940 330)" = "$white" ]
-}
-behind_is_active() {
-    [ "$(xdotool getactivewindow getwindowname 2>/dev/null)" = "Event Tester" ]
-}
 white=#FFFFFF
-rig_wait "the window behind" behind_is_white
-rig_wait "its activation" behind_is_active # Else it would take that from the popover.
 
-popover_open
-program_wait "an opaque popover with its corners cut out" popover_looks "$white" "$opaque"
-popover_close alone
-rig_pass "without a compositor its corners are cut out and nothing shows through"
+item_name() {
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.ListNames |
+        grep -o 'org.kde.StatusNotifierItem-[0-9-]*'
+}
 
-xcompmgr >"$RIG/log/compositor" 2>&1 &
-rig_wait "the compositor" compositor_runs
-popover_open
-program_wait "an opaque popover with transparent corners" popover_looks "$white" "$opaque"
-rig_not blurred_region >/dev/null || rig_fail "it asks for blur: $(blurred_region)"
-popover_close composited
-rig_pass "with a compositor that does not blur its corners are transparent, its ground is opaque"
+# Without a panel, which would stand in the picture.
+badge_click() {
+    xdotool mousemove 640 250
+    gdbus call --session --dest "$(item_name)" --object-path /StatusNotifierItem \
+        --method org.kde.StatusNotifierItem.Activate 640 250 >/dev/null
+}
 
-xprop -root -format "$blur" 32c -set "$blur" 0
-popover_open
-program_wait "a translucent popover" popover_looks "$white" "$white" # white glass
-read -r -a region <<<"$(blurred_region)"
-popover_close blurred
-[ $((${#region[@]} % 4)) -eq 0 ] || rig_fail "no rectangles: ${region[*]}"
-area=0
-for ((i = 0; i < ${#region[@]}; i += 4)); do
-    area=$((area + region[i + 2] * region[i + 3]))
-done
-# Of a square around a circle of radius 12, a fifth lies outside.
-corners=$((344 * 300 - area))
-if [ "$corners" -lt 100 ] || [ "$corners" -gt 140 ]; then
-    rig_fail "all but $corners pixels are blurred"
-fi
-rig_pass "where the compositor blurs it asks for that, corners apart, and lets it through"
+# pixel_is X Y COLOR: relative to the popover.
+pixel_is() {
+    local place
+    place=$(xdotool getwindowgeometry --shell "$(popover_id)" |
+        awk -F = -v x="$1" -v y="$2" '/^X/ { x += $2 } /^Y/ { y += $2 } END { printf "1x1+%d+%d", x, y }')
+    [ "$(import -window root -crop "$place" +repage -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}')" = "$3" ]
+}
 
-kill -TERM "$program"
-rig_wait "the program's end" rig_not program_is_running
+# popover_has DEPTH COLOR: opened anew, it has this depth and this ground.
+popover_has() {
+    program_start "$program_under_test"
+    program_wait "the item" item_is_on_bus
+    badge_click
+    program_wait "the popover" popover_is_open
+    xwininfo -id "$(popover_id)" | grep -q "Depth: $1\$" || rig_fail "its depth is not $1"
+    program_wait "its ground" pixel_is 172 150 "$2"
+    local x y
+    for x in 0 343; do
+        for y in 0 299; do
+            program_wait "what lies behind, at $x, $y" pixel_is "$x" "$y" "$white"
+        done
+    done
+}
+
+popover_wants_blur() {
+    xprop -id "$(popover_id)" "$blur" | grep -q "= 9, 0, 326, 1, "
+}
+
+program_end() {
+    kill -TERM "$program"
+    rig_wait "the program's end" rig_not program_is_running
+}
+
+compositor_is_up() {
+    xwininfo -root -tree | grep -q picom
+}
+
+xev -geometry 800x600+200+100 >"$RIG/log/behind" 2>&1 &
+behind_is_up() {
+    xdotool search --onlyvisible --name '^Event Tester$' >/dev/null 2>&1
+}
+rig_wait "a white window" behind_is_up
+
+popover_has 24 '#FBFAF9'
+program_end
+rig_pass "without a compositor its corners are cut out"
+
+picom --backend xrender --config /dev/null >"$RIG/log/compositor" 2>&1 &
+rig_wait "the compositor" compositor_is_up
+popover_has 32 '#FBFAF9'
+! popover_wants_blur || rig_fail "it asks for blur where there is none"
+program_end
+rig_pass "with a compositor its corners are transparent and its glass opaque"
+
+xprop -root -f "$blur" 32c -set "$blur" 0
+popover_has 32 "$white"
+popover_wants_blur || rig_fail "it does not ask for blur"
+program_end
+rig_pass "with a compositor that blurs its glass is translucent"
