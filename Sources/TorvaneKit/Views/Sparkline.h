@@ -26,6 +26,10 @@ public:
     /// the bottom. No points of fewer than two values.
     static QList<QPointF> points(const QList<double>& values, QSizeF box);
 
+    /// The points that make a difference to a line of this width: of all that lie within one width, the highest and the
+    /// lowest, in their order. The first and the last stay, and so do all of a series that is not that dense.
+    static QList<QPointF> thinned(const QList<QPointF>& points, double width);
+
     /// Straight lines through the points.
     static QPainterPath line(const QList<QPointF>& points);
 

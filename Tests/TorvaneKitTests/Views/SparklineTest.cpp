@@ -54,6 +54,32 @@ private Q_SLOTS:
         QCOMPARE(Sparkline::points({-2, 0, 2}, box), expected);
     }
 
+    void pointsThatLieApartAreAllDrawn() {
+        const QList<QPointF> apart{{3, 43}, {4, 23}, {5, 3}, {6, 3}, {7, 40}};
+        QCOMPARE(Sparkline::thinned(apart, 1), apart);
+        QCOMPARE(Sparkline::thinned(apart, 1.5), apart); // Two to a width are its highest and its lowest.
+        QCOMPARE(Sparkline::thinned({{3, 43}, {3.1, 3}}, 1.5), QList<QPointF>({{3, 43}, {3.1, 3}}));
+        QVERIFY(Sparkline::thinned({}, 1.5).isEmpty());
+    }
+
+    void ofCrowdedPointsTheHighestAndLowestAreDrawn() {
+        const QList<QPointF> crowded{{0, 9}, {1, 5}, {1.1, 7}, {1.2, 2}, {1.3, 4}, {1.9, 6}, {2, 5}, {2.1, 8}, {9, 1}};
+        const QList<QPointF> expected{{0, 9}, {1.1, 7}, {1.2, 2}, {2, 5}, {2.1, 8}, {9, 1}};
+        QCOMPARE(Sparkline::thinned(crowded, 1), expected);
+    }
+
+    void aThinnedChartReachesAsHighAndAsLow() {
+        QList<double> values;
+        for (int i = 0; i < 2000; ++i)
+            values.append((i * 7919) % 1009);
+        const QList<QPointF> all = Sparkline::points(values, box);
+        const QList<QPointF> few = Sparkline::thinned(all, 1.5);
+        QVERIFY(static_cast<double>(few.size()) <= 2 * (box.width() / 1.5 + 1) + 2);
+        QCOMPARE(few.first(), all.first());
+        QCOMPARE(few.last(), all.last());
+        QCOMPARE(Sparkline::line(few).boundingRect(), Sparkline::line(all).boundingRect());
+    }
+
     void equalValuesLieAlongTheBottom() {
         const QList<QPointF> expected{{3, 43}, {53, 43}, {103, 43}};
         QCOMPARE(Sparkline::points({7, 7, 7}, box), expected);
