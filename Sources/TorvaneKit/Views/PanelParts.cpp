@@ -3,6 +3,7 @@
 #include "Design/ChainIcon.h"
 #include "Design/DesignSystem.h"
 #include "Views/Drawing.h"
+#include "Views/Rule.h"
 #include "Views/SettingCard.h"
 #include "Views/StatusDot.h"
 #include "Views/Switch.h"
@@ -23,18 +24,6 @@ constexpr int titleHeight = 16;
 constexpr double markSize = 24;
 constexpr int cardGap = 16;
 constexpr int noteGap = 10;
-
-class Separator final : public QWidget {
-public:
-    Separator() { setFixedHeight(1); }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillRect(QRectF(0, 0, width(), hairline), Palette::line);
-    }
-};
 
 class Capsule final : public QWidget, public AccessiblePart {
 public:
@@ -142,7 +131,7 @@ QWidget* PanelParts::netInfo(const QString& name, const QString& subtitle) {
 }
 
 QWidget* PanelParts::sep() {
-    return new Separator;
+    return new Rule(0, Palette::line);
 }
 
 QWidget* PanelParts::label(const QString& text) {
