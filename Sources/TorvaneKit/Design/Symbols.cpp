@@ -72,7 +72,7 @@ const QHash<QString, Symbol>& Symbols::byName() {
           line}},
         {u"info.circle"_s,
          {u"M10.65 7.9A1.35 1.35 0 1 1 13.35 7.9A1.35 1.35 0 1 1 10.65 7.9Z"_s,
-          u"M12 11.4V16.6M3 12A9 9 0 1 1 21 12A9 9 0 1 1 3 12Z"_s, line}},
+          u"M12 11.4V16.6M3 12A9 9 0 1 1 21 12A9 9 0 1 1 3 12Z"_s, line, true}},
         {u"minus"_s, {QString(), u"M4 12H20"_s, signLine, true}},
         {u"plus"_s, {QString(), u"M4 12H20M12 4V20"_s, signLine, true}},
         {u"chevron.down"_s, {QString(), u"M5 9L12 16L19 9"_s, slantedLine}},

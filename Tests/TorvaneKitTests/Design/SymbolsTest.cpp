@@ -81,6 +81,17 @@ private Q_SLOTS:
         }
     }
 
+    void theStemOfAnIIsOneColumnAtTheSmallestSize() {
+        const QImage image = symbol(u"info.circle"_s, 12);
+        QList<int> seen;
+        for (int x = 4; x <= 8; ++x) {
+            if (const int alpha = qAlpha(image.pixel(x, 7)); alpha > 32)
+                seen.append(alpha);
+        }
+        QCOMPARE(seen.size(), 1);
+        QVERIFY(seen.first() > 200);
+    }
+
     void anUnknownNameDrawsNothing() {
         for (const QString& name : {QString(), u"Bell"_s, u"bell.fill"_s})
             QVERIFY(isBlank(symbol(name, 24)));
