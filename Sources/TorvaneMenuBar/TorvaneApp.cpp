@@ -2,6 +2,7 @@
 
 #include "Chain/NetworkClient.h"
 #include "Coordination/Notifications.h"
+#include "Support/FreedMemory.h"
 #include "Support/Notice.h"
 #include "TimerSettings.h"
 #include "Views/PopoverView.h"
@@ -42,7 +43,7 @@ TorvaneApp::TorvaneApp()
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     GasNotifier::requestAuthorization();
-    QTimer::singleShot(rehearsalDelay, &m_popover, &Popover::rehearse);
+    QTimer::singleShot(rehearsalDelay, this, &TorvaneApp::rehearse);
 }
 
 /// What a fetch takes is slow to load: the badge goes first.
@@ -56,6 +57,11 @@ Task<> TorvaneApp::beginToFetch() {
     Task<> ready = NetworkClient::prepare();
     co_await ready;
     m_store.start();
+}
+
+void TorvaneApp::rehearse() {
+    m_popover.rehearse();
+    returnFreedMemory(); // Of the whole start too.
 }
 
 void TorvaneApp::comeForward() {

@@ -28,6 +28,7 @@ private:
     void connectBadge();
     void begin();
     Task<> beginToFetch();
+    void rehearse();
     void obey(BadgeCommand command);
     std::unique_ptr<QWidget> makePopoverView();
     void refresh();
