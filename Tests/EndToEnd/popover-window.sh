@@ -67,7 +67,7 @@ for height in 400 500 600 700; do
     program_wait "a height of $height" popover_has_box "344x$height+$right+$area_y"
 done
 xdotool key g
-program_wait "all of the work area" popover_has_box "354x$area_height+$((right - 10))+$area_y"
+program_wait "all of the work area" popover_has_box "344x$area_height+$right+$area_y"
 keep scrolling.png
 rig_pass "it grows with its content as far as the work area goes, then scrolls"
 

@@ -27,7 +27,7 @@ bool TextRun::setText(const QString& text) {
 
 double TextRun::width() const {
     if (!m_whole)
-        m_whole = shaped(m_text);
+        m_whole = shaped(m_text.left(mostDrawn));
     return m_whole->width;
 }
 
@@ -90,7 +90,7 @@ const TextRun::Shape& TextRun::shape(double room) const {
     if (fits(room))
         return *m_whole;
     if (!m_elided || m_elidedRoom != room) {
-        m_elided = shaped(QFontMetricsF(m_font).elidedText(m_text, Qt::ElideRight, room));
+        m_elided = shaped(QFontMetricsF(m_font).elidedText(m_text.left(mostDrawn), Qt::ElideRight, room));
         m_elidedRoom = room;
     }
     return *m_elided;

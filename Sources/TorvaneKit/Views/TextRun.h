@@ -17,6 +17,9 @@ namespace torvane {
 /// not fit ends in "…".
 class TextRun final {
 public:
+    /// More characters than fit on any line: what comes after them is not even measured, which would take long.
+    static constexpr qsizetype mostDrawn = 500;
+
     explicit TextRun(const QFont& font)
         : m_font(font) {}
 
@@ -25,7 +28,7 @@ public:
 
     const QString& text() const { return m_text; }
 
-    /// Of the whole text, in device-independent pixels.
+    /// Of the whole text, as far as it counts, in device-independent pixels.
     double width() const;
 
     /// Whether the whole text fits.
