@@ -1,0 +1,377 @@
+#include "Reading.h"
+
+#include "ReadingFigures.h"
+#include "StandInWorld.h"
+#include "Support/Await.h"
+#include "Support/TestConfig.h"
+
+#include <QLoggingCategory>
+#include <QTest>
+
+#include <cmath>
+
+using namespace torvane;
+
+namespace {
+
+constexpr RequestGate::Limits wide{20, 20, 1e6};
+
+QList<std::pair<const char*, StandInAnswer>> faults() {
+    const auto result = [](const QByteArray& value) {
+        return StandInAnswer::ok(R"({"jsonrpc":"2.0","id":1,"result":)" + value + "}");
+    };
+    const QByteArray error = R"({"jsonrpc":"2.0","id":null,"error":{"code":-32005,"message":"slow down","data":{}}})";
+    const StandInAnswer whole = result("\"0x1\"");
+    return {
+        {"busy", StandInAnswer::status(503, "busy")},
+        {"refused by a page", StandInAnswer::status(403, "<!DOCTYPE html><p>Just a moment")},
+        {"too many requests", StandInAnswer::status(429, error)},
+        {"led elsewhere", StandInAnswer::redirect(307, "https://localhost:1/")},
+        {"an error object", StandInAnswer::ok(error)},
+        {"no result", StandInAnswer::ok(R"({"jsonrpc":"2.0","id":1})")},
+        {"result null", result("null")},
+        {"a number", result("7")},
+        {"a negative quantity", result("\"-0xfd\"")},
+        {"no digits", result("\"0x\"")},
+        {"an empty object", result("{}")},
+        {"a list", result("[]")},
+        {"plain text", StandInAnswer::ok("rate limit exceeded")},
+        {"nothing", StandInAnswer::ok("")},
+        {"half an answer", whole.cutShort(20, StandInAnswer::Ending::closeNotify)},
+        {"a reset", whole.cutShortInHead(0, StandInAnswer::Ending::reset)},
+    };
+}
+
+/// One of each kind: by HTTP, by JSON-RPC, by its form, and none.
+QList<std::pair<const char*, StandInAnswer>> kindsOfFaults() {
+    const auto all = faults();
+    return {all[0], all[4], all[7], all[15]};
+}
+
+/// What is missing when this question to Ethereum's only node has no good answer.
+QStringList missingWithout(const QString& question) {
+    const QStringList price{QStringLiteral("change"), QStringLiteral("ether")};
+    const QStringList gas{QStringLiteral("average"), QStringLiteral("base fee"), QStringLiteral("high"),
+                          QStringLiteral("low")};
+    const QString name = question.section(QLatin1Char('('), 0, 0).section(QLatin1Char(' '), 0, 0);
+    static const QHash<QString, QString> tokens{
+        {QStringLiteral("totalSupply() of 0xae78"), QStringLiteral("rETH supply")},
+        {QStringLiteral("getExchangeRate() of 0xae78"), QStringLiteral("rETH rate")},
+        {QStringLiteral("totalSupply() of 0xae7a"), QStringLiteral("stETH supply")},
+        {QStringLiteral("totalSupply() of 0xd5F7"), QStringLiteral("mETH supply")},
+        {QStringLiteral("mETHToETH(uint256) of 0xe3cB"), QStringLiteral("mETH rate")}};
+    if (tokens.contains(question))
+        return QStringList{tokens[question].section(QLatin1Char(' '), 0, 0) + QStringLiteral(" ether"),
+                           tokens[question]};
+    if (name == QLatin1String("decimals") || name.endsWith(QLatin1String("RoundData")))
+        return price;
+    if (name == QLatin1String("observe"))
+        return {QStringLiteral("pool")};
+    if (question == QLatin1String("eth_feeHistory earlier"))
+        return {QStringLiteral("points")};
+    if (question == QLatin1String("eth_feeHistory latest"))
+        return gas;
+    return {}; // Without a chain or a block there is nothing at all.
+}
+
+/// The same for a network's only node.
+QStringList missingInRowWithout(const QString& question) {
+    if (question.contains(QLatin1String("earlier")) || question == QLatin1String("eth_getBlockByNumber latest"))
+        return {QStringLiteral("seconds")};
+    if (question.contains(QLatin1String("estimateGas")) || question.startsWith(QLatin1String("get")))
+        return {QStringLiteral("cost")};
+    return {QStringLiteral("cost"), QStringLiteral("endpoints"), QStringLiteral("price"), QStringLiteral("seconds")};
+}
+
+} // namespace
+
+/// All that is read, against nodes that answer what is easy to work out, and every fault of real nodes at every
+/// question.
+class ReadingTest final : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<StandInWorld> m_world;
+    std::unique_ptr<StandInWorld> m_second; // The fallbacks.
+
+    Reading read(const RelayTable& table) const {
+        RequestGate gate(wide);
+        return await(readAll(gate, table, StandInWorld::now()));
+    }
+
+    RelayTable ethereumAlone() const {
+        RelayTable table = m_world->table();
+        table.networks.clear();
+        return table;
+    }
+
+    NetworkReading readRow(const RelayTable::Network& network) const {
+        RequestGate gate(wide);
+        return await(readNetwork(gate, network));
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
+
+    void init() {
+        TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
+        m_world = std::make_unique<StandInWorld>();
+        m_second = std::make_unique<StandInWorld>();
+    }
+
+    void everyFigureIsTheOneWorkedOutByHand() {
+        const RelayTable table = m_world->table();
+        const Reading reading = read(table);
+        QCOMPARE(reading.trouble, QString());
+        QCOMPARE(reading.block, quint64{1144});
+        Figures expected{
+            {QStringLiteral("ether"), QStringLiteral("3000")},
+            {QStringLiteral("change"), QString::number(100.0 * 72 / 2928, 'g', 12)},
+            {QStringLiteral("pool"), QString::number(1e12 / std::pow(1.0001, 196000), 'g', 12)},
+            {QStringLiteral("base fee"), QStringLiteral("10.47146")},
+            {QStringLiteral("low"), QStringLiteral("11.47146")},
+            {QStringLiteral("average"), QStringLiteral("12.47146")},
+            {QStringLiteral("high"), QStringLiteral("13.47146")},
+            {QStringLiteral("points"), QStringLiteral("22")}, // 1145 blocks, fifty each; 45 of the first are left out.
+            {QStringLiteral("stETH supply"), QStringLiteral("2000")},
+            {QStringLiteral("stETH rate"), QStringLiteral("1")},
+            {QStringLiteral("stETH ether"), QStringLiteral("2000")},
+            {QStringLiteral("rETH supply"), QStringLiteral("1000")},
+            {QStringLiteral("rETH rate"), QStringLiteral("1.125")},
+            {QStringLiteral("rETH ether"), QStringLiteral("1125")},
+            {QStringLiteral("mETH supply"), QStringLiteral("4000")},
+            {QStringLiteral("mETH rate"), QStringLiteral("1.0625")},
+            {QStringLiteral("mETH ether"), QStringLiteral("4250")},
+            {QStringLiteral("Arbitrum cost"), QStringLiteral("1.5e-07")},
+            {QStringLiteral("Base cost"), QStringLiteral("1.626e-06")},
+            {QStringLiteral("Scroll cost"), QStringLiteral("2.126e-06")},
+            {QStringLiteral("Linea cost"), QStringLiteral("1.5e-06")},
+            {QStringLiteral("Starknet cost"), QStringLiteral("none")},
+            {QStringLiteral("Starknet price"), QStringLiteral("4.25")},
+            {QStringLiteral("Starknet seconds"), QStringLiteral("3")},
+            {QStringLiteral("Starknet endpoints"), QStringLiteral("none")},
+        };
+        for (const char* name : {"Arbitrum", "Base", "Scroll", "Linea"}) {
+            expected.insert(QLatin1String(name) + QStringLiteral(" price"), QStringLiteral("0.006"));
+            expected.insert(QLatin1String(name) + QStringLiteral(" seconds"), QStringLiteral("2"));
+            expected.insert(QLatin1String(name) + QStringLiteral(" endpoints"), QStringLiteral("1"));
+        }
+        QCOMPARE(figuresOf(reading, table), expected);
+    }
+
+    /// The blocks of a group have the hundredths 0 to 49, 0.245 in the mean, and the group that ends with block e has
+    /// e - 24.5 hundred-thousandths.
+    void theBaseFeesAreMeansOfFiftyBlocksOldestFirst() {
+        const QList<double> history = read(ethereumAlone()).baseFeeHistory;
+        for (qsizetype i = 0; i < history.size(); ++i) {
+            const double newest = 1144.0 - 50 * static_cast<double>(history.size() - 1 - i);
+            QCOMPARE(history[i], 10.245 + (newest - 24.5) / 100'000);
+        }
+        // The node gives 400 blocks at once.
+        QCOMPARE(m_world->chain(QStringLiteral("Ethereum")).asked()[QStringLiteral("eth_feeHistory earlier")], 3);
+    }
+
+    void thePriceOfADayAgoTakesAboutEightQuestions() {
+        read(ethereumAlone());
+        const int asked =
+            m_world->chain(QStringLiteral("Ethereum")).asked()[QStringLiteral("getRoundData(uint80) of 0x5f4e")];
+        QVERIFY2(asked <= 8, qPrintable(QString::number(asked)));
+    }
+
+    void aFaultAtOneQuestionToEthereumCostsItsFigureAlone_data() { addQuestions({QStringLiteral("Ethereum")}); }
+
+    void aFaultAtOneQuestionToEthereumCostsItsFigureAlone() {
+        QFETCH(QString, question);
+        const RelayTable table = ethereumAlone();
+        const Figures good = figuresOf(read(table), table);
+        const bool costsAll = missingWithout(question).isEmpty();
+        for (const auto& [name, fault] : faults()) {
+            m_world->chain(QStringLiteral("Ethereum")).misbehave(question, fault);
+            const Reading reading = read(table);
+            const Figures figures = figuresOf(reading, table);
+            const bool isComplete = reading.price && reading.gas;
+            QVERIFY2(isComplete || !reading.trouble.isEmpty(), name);
+            if (costsAll) {
+                QVERIFY2(!reading.price && !reading.gas, name);
+                continue;
+            }
+            QVERIFY2(differing(good, figures) == missingWithout(question),
+                     qPrintable(QLatin1String(name) + QStringLiteral(": ") + differing(good, figures).join(u',')));
+            for (const QString& missing : missingWithout(question))
+                QCOMPARE(figures[missing], QStringLiteral("none"));
+        }
+    }
+
+    void aFaultAtThePrimaryIsMadeUpForByTheFallback_data() { addQuestions({QStringLiteral("Ethereum")}); }
+
+    void aFaultAtThePrimaryIsMadeUpForByTheFallback() {
+        QFETCH(QString, question);
+        RelayTable table = ethereumAlone();
+        const Figures good = figuresOf(read(table), table);
+        table.ethereum.endpoints.append(m_second->table().ethereum.endpoints);
+        for (const auto& [name, fault] : kindsOfFaults()) {
+            m_world->chain(QStringLiteral("Ethereum")).misbehave(question, fault);
+            const Figures figures = figuresOf(read(table), table);
+            QVERIFY2(differing(good, figures).isEmpty(),
+                     qPrintable(QLatin1String(name) + QStringLiteral(": ") + differing(good, figures).join(u',')));
+        }
+    }
+
+    void aFaultAtANetworksQuestionCostsItsFigureAlone_data() { addQuestions(networks()); }
+
+    void aFaultAtANetworksQuestionCostsItsFigureAlone() {
+        QFETCH(QString, chain);
+        QFETCH(QString, question);
+        RelayTable::Network network = networkNamed(chain, m_world->table());
+        const Figures good = figuresOf(readRow(network));
+        QStringList expected = missingInRowWithout(question);
+        expected.removeIf([&good](const QString& name) { return good[name] == QLatin1String("none"); });
+        for (const auto& [name, fault] : faults()) {
+            m_world->chain(chain).misbehave(question, fault);
+            const NetworkReading reading = readRow(network);
+            QVERIFY2(differing(good, figuresOf(reading)) == expected,
+                     qPrintable(QLatin1String(name) + QStringLiteral(": ") +
+                                differing(good, figuresOf(reading)).join(u',')));
+            for (const QString& missing : expected)
+                QCOMPARE(figuresOf(reading)[missing], QStringLiteral("none"));
+            QVERIFY2(reading.trouble.contains(QLatin1String("localhost: ")), name);
+        }
+    }
+
+    void aFaultAtANetworksFirstNodeIsMadeUpForByTheSecond_data() { addQuestions(networks()); }
+
+    void aFaultAtANetworksFirstNodeIsMadeUpForByTheSecond() {
+        QFETCH(QString, chain);
+        QFETCH(QString, question);
+        RelayTable::Network network = networkNamed(chain, m_world->table());
+        const QString first = network.endpoints.first();
+        network.endpoints.append(networkNamed(chain, m_second->table()).endpoints);
+        const Figures good = figuresOf(readRow(network));
+        const bool isGreeting = question == QLatin1String("eth_chainId") || question == QLatin1String("eth_gasPrice");
+        for (const auto& [name, fault] : kindsOfFaults()) {
+            m_world->chain(chain).misbehave(question, fault);
+            const NetworkReading reading = readRow(network);
+            // velisk is sent only to nodes that answered what it will ask.
+            const QStringList expected = isGreeting ? QStringList{QStringLiteral("endpoints")} : QStringList();
+            QVERIFY2(differing(good, figuresOf(reading)) == expected, name);
+            QVERIFY2(!isGreeting || !reading.endpoints.contains(first), name);
+        }
+    }
+
+    void aNetworkThatIsGoneTouchesNoOtherRow() {
+        const RelayTable table = m_world->table();
+        const Figures good = figuresOf(read(table), table);
+        for (const QString& name : networks()) {
+            m_world->chain(name).server().stop();
+            const Reading reading = read(table);
+            for (const QString& figure : differing(good, figuresOf(reading, table)))
+                QVERIFY2(figure.startsWith(name + QLatin1Char(' ')), qPrintable(figure));
+            m_world->chain(name).server().start();
+        }
+    }
+
+    void aNodeOfAnotherChainIsNotBelieved() {
+        m_world->chain(QStringLiteral("Base")).always(QStringLiteral("eth_chainId"), hex(10));
+        const NetworkReading row = readRow(networkNamed(QStringLiteral("Base"), m_world->table()));
+        QVERIFY(!row.priceGwei);
+        QCOMPARE(row.trouble, QStringLiteral("localhost: it serves another chain"));
+        m_world->chain(QStringLiteral("Ethereum")).always(QStringLiteral("eth_chainId"), hex(11155111));
+        QVERIFY(read(ethereumAlone()).trouble.contains(QLatin1String("it serves another chain")));
+    }
+
+    void aNodeThatStoodStillIsNotBelieved() {
+        StandInChain& node = m_world->chain(QStringLiteral("Ethereum"));
+        node.always(QStringLiteral("eth_getBlockByNumber latest"),
+                    blockAt(1000, StandInWorld::now().toSecsSinceEpoch() - 3600));
+        QVERIFY(read(ethereumAlone()).trouble.contains(QLatin1String("its newest block is not of now")));
+    }
+
+    void theBlockIsOneThatAllNodesHave() {
+        m_second->chain(QStringLiteral("Ethereum"))
+            .always(QStringLiteral("eth_getBlockByNumber latest"),
+                    blockAt(1140, StandInWorld::now().toSecsSinceEpoch()));
+        RelayTable table = ethereumAlone();
+        table.ethereum.endpoints.append(m_second->table().ethereum.endpoints);
+        QCOMPARE(read(table).block, quint64{1138});
+    }
+
+    void aPriceOfMoreThanTwoHoursAgoIsNotBelieved() {
+        RequestGate gate(wide);
+        const QDateTime late = StandInWorld::now().addSecs(2 * 3600 - 599);
+        m_world->chain(QStringLiteral("Ethereum"))
+            .always(QStringLiteral("eth_getBlockByNumber latest"), blockAt(1146, late.toSecsSinceEpoch()));
+        const Reading reading = await(readAll(gate, ethereumAlone(), late));
+        QVERIFY(!reading.price);
+        QCOMPARE(reading.trouble, QStringLiteral("no price of ether: the price feed is more than two hours old"));
+        // A second before, it is.
+        QVERIFY(await(readAll(gate, ethereumAlone(), late.addSecs(-1))).price);
+    }
+
+    void aPoolWithAShortMemoryIsAskedForThePriceOfTheMoment() {
+        const QString pool = m_world->table().ethereum.pricePool;
+        StandInChain& node = m_world->chain(QStringLiteral("Ethereum"));
+        node.onCall(pool, QStringLiteral("observe(uint32[])"), QList<Word>());
+        // The square root of 0.00000000025 in units of 2^-96: one ether is 4000 dollars, 1e12 / 4000 = 2.5e8.
+        const auto root = static_cast<quint64>(std::sqrt(2.5e8) * 0x1p32);
+        node.onCall(pool, QStringLiteral("slot0()"), {Word(root, 0)});
+        QVERIFY(std::abs(*read(ethereumAlone()).poolPrice - 4000) < 0.001);
+    }
+
+    void anOlderNetworkWithoutAnOperatorsFeeHasNone() {
+        m_world->chain(QStringLiteral("Base"))
+            .onCall(QStringLiteral("0x420000000000000000000000000000000000000F"),
+                    QStringLiteral("getOperatorFee(uint256)"), QList<Word>());
+        const NetworkReading row = readRow(networkNamed(QStringLiteral("Base"), m_world->table()));
+        QCOMPARE(*row.transferEther, 1.126e-6);
+    }
+
+    void aNodeThatFailedTwiceIsLeftInPeace() {
+        StandInChain& node = m_world->chain(QStringLiteral("Ethereum"));
+        node.misbehave(QStringLiteral("totalSupply() of 0xae7a"), StandInAnswer::status(503));
+        RelayTable table = ethereumAlone();
+        for (int i = 0; i < 10; ++i)
+            table.staking.append(table.staking.first()); // Ten more questions that fail.
+        table.ethereum.endpoints.append(m_second->table().ethereum.endpoints);
+        table.requestsAtOncePerHost = 1;
+        RequestGate gate({1, 1, 1e6});
+        const Reading reading = await(readAll(gate, table, StandInWorld::now()));
+        QCOMPARE(node.asked()[QStringLiteral("totalSupply() of 0xae7a")], 2);
+        QCOMPARE(reading.protocols.last().tokenSupply.value_or(0), 2000.0);
+    }
+
+    void nobodyIsAskedWhatNoNodeKnows() {
+        const RelayTable table = m_world->table();
+        read(table);
+        for (const QString& name : m_world->names()) {
+            StandInChain& chain = m_world->chain(name);
+            for (const QString& question : chain.asked().keys())
+                QVERIFY2(chain.questions().contains(question), qPrintable(name + u' ' + question));
+        }
+    }
+
+private:
+    QStringList networks() const {
+        return {QStringLiteral("Arbitrum"), QStringLiteral("Base"), QStringLiteral("Scroll"), QStringLiteral("Linea"),
+                QStringLiteral("Starknet")};
+    }
+
+    static RelayTable::Network networkNamed(const QString& name, const RelayTable& table) {
+        for (const RelayTable::Network& network : table.networks) {
+            if (network.name == name)
+                return network;
+        }
+        qFatal("There is no such network");
+    }
+
+    void addQuestions(const QStringList& chains) {
+        QTest::addColumn<QString>("chain");
+        QTest::addColumn<QString>("question");
+        StandInWorld world;
+        for (const QString& chain : chains) {
+            for (const QString& question : world.chain(chain).questions())
+                QTest::newRow(qPrintable(chain + QStringLiteral(": ") + question)) << chain << question;
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(ReadingTest)
+#include "ReadingTest.moc"
