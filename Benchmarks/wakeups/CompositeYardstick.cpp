@@ -1,7 +1,10 @@
 // The yardstick of the whole program: Qt's own tray icon, and Qt's own client asking the nodes each twelve seconds and
-// the relay each minute; answers are parsed and dropped. CompositeYardstick ORIGIN
+// the relay each minute. The icon and its tooltip say the newest base fee, as a plain program would do it: while the
+// figure stays what it is, nothing is said. The relay's document is parsed and dropped. CompositeYardstick ORIGIN
 #include <QApplication>
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QPainter>
@@ -22,22 +25,38 @@ QNetworkRequest request(const QString& origin, const QString& path) {
     return request;
 }
 
-QIcon icon() {
+QIcon icon(const QString& figure) {
     QPixmap pixmap(64, 64);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::blue);
     painter.drawEllipse(4, 4, 56, 56);
+    painter.drawText(pixmap.rect(), Qt::AlignCenter, figure);
     return QIcon(pixmap);
 }
 
-void parse(QNetworkReply* reply) {
-    if (reply->error() != QNetworkReply::NoError || QJsonDocument::fromJson(reply->readAll()).isNull()) {
+QString baseFee(const QJsonDocument& answer) {
+    const QJsonArray fees = answer[QStringLiteral("result")][QStringLiteral("baseFeePerGas")].toArray();
+    const qulonglong wei = fees.size() < 2 ? 0 : fees.at(fees.size() - 2).toString().toULongLong(nullptr, 16);
+    return QString::fromLatin1(QByteArray::number(static_cast<double>(wei) / 1e9, 'f', 1));
+}
+
+QJsonDocument parse(QNetworkReply* reply) {
+    const QJsonDocument answer = QJsonDocument::fromJson(reply->readAll());
+    if (reply->error() != QNetworkReply::NoError || answer.isNull()) {
         std::fprintf(stderr, "%s\n", qPrintable(reply->errorString()));
         QCoreApplication::exit(1);
     }
     reply->deleteLater();
+    return answer;
+}
+
+void say(const QString& figure, QSystemTrayIcon& tray) {
+    if (tray.toolTip() == figure)
+        return;
+    tray.setIcon(icon(figure));
+    tray.setToolTip(figure);
 }
 
 } // namespace
@@ -49,7 +68,14 @@ int main(int argc, char** argv) {
     const QNetworkRequest node = request(origin, QStringLiteral("/"));
     const QNetworkRequest relay = request(origin, QStringLiteral("/snapshot.json"));
     QNetworkAccessManager manager;
-    QObject::connect(&manager, &QNetworkAccessManager::finished, &application, &parse);
+    QSystemTrayIcon tray(icon({}));
+    const auto take = [&](QNetworkReply* reply) {
+        const bool isNode = reply->operation() == QNetworkAccessManager::PostOperation;
+        const QJsonDocument answer = parse(reply);
+        if (isNode)
+            say(baseFee(answer), tray);
+    };
+    QObject::connect(&manager, &QNetworkAccessManager::finished, &application, take);
     const auto askNode = [&] {
         manager.post(node,
                      R"({"jsonrpc":"2.0","id":1,"method":"eth_feeHistory","params":["0x14","latest",[15,50,90]]})");
@@ -63,8 +89,6 @@ int main(int argc, char** argv) {
     everyMinute.start(60000);
     QTimer::singleShot(0, &application, askNode);
     QTimer::singleShot(0, &application, askRelay);
-    QSystemTrayIcon tray(icon());
-    tray.setToolTip(QStringLiteral("composite"));
     tray.show();
     return QApplication::exec();
 }

@@ -1,36 +1,93 @@
 #include "TorvaneApp.h"
 
-#include "Badge/BadgeText.h"
 #include "Coordination/Notifications.h"
+#include "Support/Notice.h"
 #include "TimerSettings.h"
+#include "Views/PopoverView.h"
 
 #include <QCoreApplication>
 
+#include <chrono>
+
 namespace torvane {
 
+namespace {
+
+using namespace std::chrono_literals;
+
+/// At login, panels take some seconds to appear.
+constexpr std::chrono::milliseconds patienceForPanels = 10s;
+
+std::optional<Appearance> appearance(ColorPreference preference) {
+    if (preference == ColorPreference::none)
+        return std::nullopt;
+    return preference == ColorPreference::dark ? Appearance::dark : Appearance::light;
+}
+
+} // namespace
+
 TorvaneApp::TorvaneApp()
-    : m_badge(QDBusConnection::sessionBus()) {
-    connect(&m_store, &ObservableObject::objectWillChange, this, &TorvaneApp::showBadgeSoon);
-    connect(&m_settings, &ObservableObject::objectWillChange, this, &TorvaneApp::showBadgeSoon);
-    connect(&m_badge, &StatusItemBadge::refreshRequested, this, [this] { m_tasks.run(m_store.refresh()); });
-    connect(&m_badge, &StatusItemBadge::quitRequested, this, &QCoreApplication::quit);
-    m_badge.show(badgeLook(m_store.snapshot, m_settings));
+    : m_popover([this] { return makePopoverView(); })
+    , m_badge(QDBusConnection::sessionBus()) {
+    connectBadge();
     rebuildTimersOnChange(m_settings, m_store);
+    connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
+    connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);
 }
 
-/// Changes are announced before they take effect, and many at a time: the badge looks once, after all of them.
-void TorvaneApp::showBadgeSoon() {
-    if (m_badgeIsStale)
+void TorvaneApp::comeForward() {
+    m_popover.open({});
+}
+
+void TorvaneApp::connectBadge() {
+    connect(&m_feed, &BadgeFeed::lookChanged, &m_badge, &BadgeHost::show);
+    connect(&m_badge, &BadgeHost::clicked, &m_popover, &Popover::toggle);
+    connect(&m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
+    // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
+    connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
+            [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
+    m_badge.show(m_feed.look());
+    m_patienceForPanels.setSingleShot(true);
+    connect(&m_patienceForPanels, &QTimer::timeout, this, &TorvaneApp::tellWhetherSeen);
+    m_patienceForPanels.start(patienceForPanels);
+}
+
+void TorvaneApp::tellWhetherSeen() {
+    if (m_badge.kind() == SurfaceKind::none)
+        notice(QStringLiteral("No panel here shows the badge so far; it appears as soon as one does. Start velisk once "
+                              "more to open its window."));
+}
+
+void TorvaneApp::obey(BadgeCommand command) {
+    switch (command) {
+    case BadgeCommand::show:
+        comeForward();
         return;
-    m_badgeIsStale = true;
-    const auto show = [this] {
-        m_badgeIsStale = false;
-        m_badge.show(badgeLook(m_store.snapshot, m_settings));
-    };
-    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    case BadgeCommand::refresh:
+        refresh();
+        return;
+    case BadgeCommand::preferences:
+        m_preferences.open();
+        return;
+    case BadgeCommand::quit:
+        QCoreApplication::quit();
+        return;
+    }
+}
+
+std::unique_ptr<QWidget> TorvaneApp::makePopoverView() {
+    auto view = std::make_unique<PopoverView>(m_store, m_settings);
+    connect(view.get(), &PopoverView::refreshRequested, this, &TorvaneApp::refresh);
+    connect(view.get(), &PopoverView::preferencesRequested, this, [this] { m_preferences.open(); });
+    connect(view.get(), &PopoverView::quitRequested, this, &QCoreApplication::quit);
+    return view;
+}
+
+void TorvaneApp::refresh() {
+    m_tasks.run(m_store.refresh());
 }
 
 } // namespace torvane

@@ -1,28 +1,49 @@
 #pragma once
 
-#include "Badge/StatusItemBadge.h"
+#include "Badge/BadgeFeed.h"
+#include "Badge/BadgeHost.h"
 #include "Coordination/SnapshotStore.h"
+#include "Design/Theme.h"
+#include "Platform/SystemChanges.h"
+#include "Popover.h"
+#include "PreferencesWindow.h"
 
 #include <QObject>
+#include <QTimer>
 
 namespace torvane {
 
-/// The program: the shared objects, which live as long as it does, and the badge that shows them.
+/// The program: the shared objects, which live as long as it does, and what shows them.
 class TorvaneApp final : public QObject {
     Q_OBJECT
 
 public:
-    /// Needs a QGuiApplication. The store starts with the main loop.
+    /// Needs a QApplication. The store starts with the main loop.
     TorvaneApp();
 
+    /// Opens the popover, for somebody who started the program once more.
+    void comeForward();
+
 private:
-    void showBadgeSoon();
+    void connectBadge();
+    void obey(BadgeCommand command);
+    std::unique_ptr<QWidget> makePopoverView();
+    void refresh();
+    void tellWhetherSeen();
 
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
     SnapshotStore m_store{m_settings, m_defaults};
-    StatusItemBadge m_badge;
-    bool m_badgeIsStale = false;
+    ApplicationPalette m_palette;
+    ColorScheme m_colorScheme{QDBusConnection::sessionBus(), m_palette};
+    Theme m_theme{m_settings, m_colorScheme, m_palette};
+    UpdaterState m_updaterState;
+    Preferences m_preferences{m_store, m_settings, m_updaterState};
+    Popover m_popover;
+    BadgeFeed m_feed{m_store, m_settings};
+    BadgeHost m_badge;
+    QTimer m_patienceForPanels;
+    SystemChanges m_systemChanges;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

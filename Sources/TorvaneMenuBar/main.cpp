@@ -1,24 +1,52 @@
+#include "CommandLine.h"
+#include "Launch.h"
 #include "Model/Config.h"
 #include "Platform/TerminationSignals.h"
-#include "TorvaneApp.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QSessionManager>
 
 #include <csignal>
+#include <cstdio>
+
+namespace {
+
+/// The entry for the launch at login starts the program; a session that brings it back would start it twice.
+void doNotBringBack(QSessionManager& session) {
+    session.setRestartHint(QSessionManager::RestartNever);
+}
+
+int print(const torvane::CommandLineAnswer& answer) {
+    std::fputs(qUtf8Printable(answer.text), answer.status == 0 ? stdout : stderr);
+    return answer.status;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (const auto answer = torvane::answerToArguments(arguments))
+        return print(*answer);
+
     // A connection that its server has closed is reported where it is written to, not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // A file that may not grow further is a failed write, which the next one mends.
     std::signal(SIGXFSZ, SIG_IGN);
-    QGuiApplication::setApplicationName(QStringLiteral("velisk"));
-    QGuiApplication::setApplicationVersion(torvane::Config::currentVersion());
-    QGuiApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
-    QGuiApplication::setQuitOnLastWindowClosed(false); // There is no window; the program ends when its user says so.
-    QGuiApplication application(argc, argv);
+    torvane::preferX11();
+    QApplication::setApplicationName(QStringLiteral("velisk"));
+    QApplication::setApplicationVersion(torvane::Config::currentVersion());
+    QApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
+    QApplication::setQuitOnLastWindowClosed(false); // The program ends when its user says so.
+    // The same on every desktop. Named this early, the desktop's own is not even loaded.
+    QApplication::setStyle(QStringLiteral("fusion"));
+    QApplication application(argc, argv);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application, doNotBringBack);
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &application, doNotBringBack);
 
     const torvane::TerminationSignals signals_;
     QObject::connect(&signals_, &torvane::TerminationSignals::received, &application, &QCoreApplication::quit);
-    const torvane::TorvaneApp app;
-    return QGuiApplication::exec();
+    const torvane::Launch launch;
+    return QApplication::exec();
 }

@@ -1,10 +1,12 @@
 # shellcheck shell=bash
-# A desktop for tests: an X server without a screen, a session bus, a window manager and a real xfce panel, all of their
-# own and with folders of their own. Source it, call `rig_enter "$@"` first, and the rest of the script runs inside.
+# A desktop for tests: an X server without a screen, a session bus, a window manager and a real panel, all of their own
+# and with folders of their own. Source it, call `rig_enter "$@"` first, and the rest of the script runs inside.
 #
+# RIG_PANEL         xfce, lxqt, mate, trayer (a tray for windows alone) or ayatana (a service without a face) (xfce)
 # RIG_LIMIT         seconds that a condition may take (60)
 # RIG_PANEL_SIZE    height of the panel in pixels (32)
-# RIG_PANEL_DARK    true or false (true)
+# RIG_PANEL_DARK    true or false (true); lxqt's panel has a look of its own
+# RIG_BUTTON_IMAGES true or false: whether programs on GTK show images on buttons (false, as GTK has it)
 # RIG_ICON_SIZE     size of the tray's icons, 0 for what the panel's height allows (22, as the panel has it)
 # RIG_ITEM_ID       the Id of the item under test (org.velisk.Torvane)
 # RIG_PREPARE       a file that is sourced inside before the script goes on: it starts or lays down what the program
@@ -13,7 +15,7 @@
 
 set -euo pipefail
 
-: "${RIG_LIMIT:=60}" "${RIG_PANEL_SIZE:=32}" "${RIG_PANEL_DARK:=true}" "${RIG_ICON_SIZE:=22}"
+: "${RIG_LIMIT:=60}" "${RIG_PANEL:=xfce}" "${RIG_BUTTON_IMAGES:=false}" "${RIG_PANEL_SIZE:=32}" "${RIG_PANEL_DARK:=true}" "${RIG_ICON_SIZE:=22}"
 : "${RIG_ITEM_ID:=org.velisk.Torvane}"
 rig_source=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
@@ -26,13 +28,14 @@ rig_enter() {
     fi
     RIG=$(mktemp -d)
     trap 'rm -rf "$RIG"' EXIT
-    local -r xfconf=$RIG/config/xfce4/xfconf/xfce-perchannel-xml
-    mkdir -p "$xfconf" "$RIG"/{cache,data,home,run,log}
+    mkdir -p "$RIG"/{config,cache,data,home,run,log}
     chmod 700 "$RIG/run"
-    sed "s/@SIZE@/$RIG_PANEL_SIZE/; s/@DARK@/$RIG_PANEL_DARK/; s/@ICON_SIZE@/$RIG_ICON_SIZE/" \
-        "$rig_source/xfce4-panel.xml" >"$xfconf/xfce4-panel.xml"
+    rig_configure xfce4-panel.xml "$RIG/config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
+    rig_configure lxqt-panel.conf "$RIG/config/lxqt/panel.conf"
+    rig_configure mate-panel.keyfile "$RIG/config/glib-2.0/settings/keyfile"
+    rig_configure gtk-settings.ini "$RIG/config/gtk-3.0/settings.ini"
     export RIG HOME=$RIG/home XDG_CONFIG_HOME=$RIG/config XDG_CACHE_HOME=$RIG/cache XDG_DATA_HOME=$RIG/data \
-        XDG_RUNTIME_DIR=$RIG/run XDG_CURRENT_DESKTOP=XFCE LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
+        XDG_RUNTIME_DIR=$RIG/run XDG_CURRENT_DESKTOP=XFCE GSETTINGS_BACKEND=keyfile LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
     # The keyboard library of X hands strndup bytes without an end, rightly, but the strict check takes it for an error.
     export ASAN_OPTIONS=${ASAN_OPTIONS:-}:strict_string_checks=0
     unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
@@ -44,6 +47,13 @@ rig_enter() {
     local result=0
     DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 900 dbus-run-session -- "$0" "$@" || result=$?
     exit "$result"
+}
+
+# rig_configure FILE PATH: one of the panels' files, with the wanted looks, where its panel reads it.
+rig_configure() {
+    mkdir -p "$(dirname "$2")"
+    sed "s/@SIZE@/$RIG_PANEL_SIZE/; s/@DARK@/$RIG_PANEL_DARK/; s/@ICON_SIZE@/$RIG_ICON_SIZE/
+        s/@BUTTON_IMAGES@/$RIG_BUTTON_IMAGES/" "$rig_source/panels/$1" >"$2"
 }
 
 rig_furnish() {
@@ -104,17 +114,37 @@ rig_has_name() {
         grep -q 'boolean true'
 }
 
+# rig_owner NAME: the connection that owns the name.
+rig_owner() {
+    gdbus call --session --dest org.freedesktop.DBus --object-path / --method org.freedesktop.DBus.GetNameOwner "$1"
+}
+
 rig_is_running() {
     kill -0 "$1" 2>/dev/null
 }
 
 panel_is_up() {
-    rig_has_name org.kde.StatusNotifierWatcher
+    if [ "$RIG_PANEL" = trayer ]; then
+        xdotool search --onlyvisible --class trayer >/dev/null 2>&1
+    else
+        rig_has_name org.kde.StatusNotifierWatcher
+    fi
 }
 
 # Sets `panel` to the process.
 panel_start() {
-    xfce4-panel --disable-wm-check >>"$RIG/log/panel" 2>&1 &
+    local command
+    case $RIG_PANEL in
+    xfce) command=(xfce4-panel --disable-wm-check) ;;
+    lxqt) command=(lxqt-panel) ;;
+    mate) command=(mate-panel) ;;
+    trayer)
+        command=(trayer --edge top --align right --widthtype request --heighttype pixel --height "$RIG_PANEL_SIZE")
+        ;;
+    ayatana) command=(/usr/libexec/ayatana-indicator-application/ayatana-indicator-application-service) ;;
+    *) rig_fail "no such panel: $RIG_PANEL" ;;
+    esac
+    "${command[@]}" >>"$RIG/log/panel" 2>&1 &
     panel=$!
     rig_wait "the panel's tray" panel_is_up
 }
@@ -208,6 +238,15 @@ menu_choose() {
         "$entry" clicked '<0>' 0 >/dev/null
 }
 
+# The popover's window; fails when it is not open.
+popover_id() {
+    xdotool search --onlyvisible --name '^velisk$' 2>/dev/null
+}
+
+popover_is_open() {
+    popover_id >/dev/null
+}
+
 screenshot() {
     import -window root "$1"
 }
@@ -227,6 +266,13 @@ difference_box() {
     convert "$1" "$2" -compose difference -composite -threshold 0 -trim -format '%wx%h%O' info:
 }
 
+# box_corner BOX: "X Y" of a rectangle WxH+X+Y.
+box_corner() {
+    local width height x y
+    IFS='x+' read -r width height x y <<<"$1"
+    echo "$x $y"
+}
+
 # click BUTTON BOX: in the middle of a rectangle WxH+X+Y.
 click() {
     local width height x y
@@ -244,6 +290,17 @@ screen_differs() {
 panel_differs() {
     panel_screenshot "$RIG/now.png"
     [ "$(different_pixels "$1" "$RIG/now.png")" -ge "$2" ]
+}
+
+# Takes pictures of the panel until two are the same, the last one in now.png: it draws its parts one after the other.
+panel_settle() {
+    rig_wait "the panel to come to rest" panel_is_at_rest
+}
+
+panel_is_at_rest() {
+    panel_screenshot "$RIG/before.png"
+    sleep 0.5
+    panel_equals "$RIG/before.png"
 }
 
 panel_equals() {

@@ -220,14 +220,18 @@ noServiceIsTouchedWithoutNginx() {
     ! grep -q systemctl calls || fail "a service was touched"
 }
 
-npmIsInstalledForTheTestsWhereThereIsNone() {
+npmIsInstalledForTestsAndBenchmarksWhereThereIsNone() {
     machine 0
     everything_installed_but npm
-    install_dependencies run demo bench fuzz format
+    install_dependencies run demo fuzz format
     expect_output ''
-    install_dependencies test
-    expect_status 0
-    grep -q -- ' npm$' calls || fail "npm is to be installed"
+    local group
+    for group in test bench; do
+        : >calls
+        install_dependencies "$group"
+        expect_status 0
+        grep -q -- ' npm$' calls || fail "npm is to be installed for $group"
+    done
 }
 
 anNpmThatIsOnThePathIsEnough() {

@@ -41,7 +41,8 @@ void StandInPanel::refuseNoted() {
 
 QDBusMessage StandInPanel::call(const QString& interface, const QString& method, const QVariantList& arguments) {
     const QString path = interface == menuInterface ? u"/MenuBar"_s : u"/StatusNotifierItem"_s;
-    QDBusMessage message = QDBusMessage::createMethodCall(m_services.value(0), path, interface, method);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(m_services.value(m_services.size() - 1), path, interface, method);
     message.setArguments(arguments);
     return answer(m_connection, message);
 }

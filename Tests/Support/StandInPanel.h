@@ -30,7 +30,7 @@ public:
     /// The registered services, in order, each as often as it registered.
     QStringList services() const { return m_services; }
 
-    /// Calls a method of the item, or of its menu.
+    /// Calls a method of the item that registered last, or of its menu.
     QDBusMessage call(const QString& interface, const QString& method, const QVariantList& arguments = {});
 
     /// The property's value, or an invalid variant when there is none.

@@ -85,6 +85,17 @@ void SnapshotStore::rescheduleTimers() {
     scheduleTimers();
 }
 
+void SnapshotStore::catchUp() {
+    if (!m_snapshotTimer)
+        return;
+    NetworkClient::dropPooledConnections();
+    updateMergedSnapshot();
+    for (std::optional<RepeatingTimer>* timer : {&m_snapshotTimer, &m_ethereumTimer, &m_l2Timer}) {
+        if (*timer)
+            (*timer)->fireIfOverdue();
+    }
+}
+
 std::optional<L2Entry> SnapshotStore::selectedL2() const {
     const BadgeChain& chain = m_settings.badgeChain;
     if (chain.isEthereum() || !m_sourceSnapshot)

@@ -45,6 +45,10 @@ public:
     /// Rebuilds the timers by the current settings: their intervals begin anew. A poll in flight goes on.
     void rescheduleTimers();
 
+    /// For whoever learns that the machine slept, its clock jumped or its network changed: live figures that are too
+    /// old by now disappear, and what was due meanwhile is fetched at once. Does nothing before the start.
+    void catchUp();
+
     /// The network that the badge follows, as the relay last described it; none for Ethereum and for one that the relay
     /// does not list.
     std::optional<L2Entry> selectedL2() const;

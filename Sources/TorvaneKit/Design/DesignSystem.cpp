@@ -1,7 +1,9 @@
 #include "Design/DesignSystem.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -12,11 +14,22 @@ namespace {
 
 Appearance appearance = Appearance::light;
 
-QFont face(QFontDatabase::SystemFont kind, double size, QFont::Weight weight) {
-    QFont font = QFontDatabase::systemFont(kind);
-    font.setPixelSize(static_cast<int>(std::lround(size)));
+QFont sized(QFont font, double size, QFont::Weight weight) {
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(size))));
     font.setWeight(weight);
     return font;
+}
+
+/// The desktop's fixed face, looked at again only when it became another one: that takes loading it.
+QFont fixedFace() {
+    static QFont asked;
+    static QFont found = Fonts::monospaced(asked);
+    const QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (font != asked) {
+        asked = font;
+        found = Fonts::monospaced(font);
+    }
+    return found;
 }
 
 } // namespace
@@ -37,15 +50,25 @@ QColor DynamicColor::in(Appearance wanted) const {
 }
 
 QFont Fonts::mono(double size, QFont::Weight weight) {
-    return face(QFontDatabase::FixedFont, size, weight);
+    return sized(fixedFace(), size, weight);
 }
 
 QFont Fonts::sans(double size, QFont::Weight weight) {
-    return face(QFontDatabase::GeneralFont, size, weight);
+    return sized(QFontDatabase::systemFont(QFontDatabase::GeneralFont), size, weight);
 }
 
 QFont Fonts::label() {
     return mono(10.5, QFont::Medium);
+}
+
+QFont Fonts::monospaced(const QFont& font) {
+    if (QFontInfo(font).fixedPitch())
+        return font;
+    QFont fixed = font;
+    fixed.setFamilies({u"monospace"_s});
+    fixed.setStyleHint(QFont::Monospace);
+    fixed.setFixedPitch(true);
+    return fixed;
 }
 
 QColor color(GasLevel level) {

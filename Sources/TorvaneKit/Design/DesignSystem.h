@@ -64,12 +64,16 @@ inline constexpr const DynamicColor& accentInk = surface; ///< text upon an acce
 
 } // namespace Palette
 
-/// Fonts of the desktop's own faces. Sizes are in device-independent pixels.
+/// Fonts of the desktop's own faces. Sizes are in device-independent pixels, to the nearest whole one, halves up: so Qt
+/// draws them anyhow, in points too. That keeps a text's width the same at every scale.
 namespace Fonts {
 
 QFont mono(double size, QFont::Weight weight);
 QFont sans(double size, QFont::Weight weight);
 QFont label(); ///< 10.5, medium, monospaced: captions in capitals
+
+/// The font, or a fixed one of its size and weight where it is not fixed itself.
+QFont monospaced(const QFont& font);
 
 } // namespace Fonts
 

@@ -10,18 +10,33 @@ namespace {
 
 using std::numbers::pi;
 
-/// The rotation of the ellipse against the plane.
 struct Rotation {
     double cosine;
     double sine;
 
+    static Rotation by(double angle) { return {std::cos(angle), std::sin(angle)}; }
+
     QPointF apply(QPointF p) const { return {cosine * p.x() - sine * p.y(), sine * p.x() + cosine * p.y()}; }
     QPointF undo(QPointF p) const { return {cosine * p.x() + sine * p.y(), cosine * p.y() - sine * p.x()}; }
+
+    /// How far along their tangents, in radii, a cubic curve has its control points that turns by this much.
+    double reach() const {
+        const double halfTangent = sine / (1 + cosine);
+        return sine * (std::sqrt(4 + 3 * halfTangent * halfTangent) - 1) / 3;
+    }
 };
 
-/// The angle from u to v, -pi to pi.
-double angleBetween(QPointF u, QPointF v) {
-    return std::atan2(u.x() * v.y() - u.y() * v.x(), QPointF::dotProduct(u, v));
+/// The direction of growing angles at a point of the unit circle.
+QPointF tangent(QPointF p) {
+    return {-p.y(), p.x()};
+}
+
+/// The angle from u to v, -2 pi to 2 pi, its sign as `sweep` says.
+double turnFrom(QPointF u, QPointF v, bool sweep) {
+    const double angle = std::atan2(u.x() * v.y() - u.y() * v.x(), QPointF::dotProduct(u, v));
+    if (!sweep && angle > 0)
+        return angle - 2 * pi;
+    return sweep && angle < 0 ? angle + 2 * pi : angle;
 }
 
 /// Half the chord and the centre, seen from the chord's middle, where the ellipse is the unit circle about its centre:
@@ -45,36 +60,29 @@ UnitCircle unitCircle(const EllipticalArc& arc, const Rotation& rotation) {
 } // namespace
 
 QVarLengthArray<CubicSegment, 5> EllipticalArc::segments() const {
-    const double phi = degrees * pi / 180;
-    const Rotation rotation{std::cos(phi), std::sin(phi)};
+    const Rotation rotation = Rotation::by(degrees * pi / 180);
     const UnitCircle circle = unitCircle(*this, rotation);
-    const QPointF begin = circle.half - circle.centre;
-    double turn = angleBetween(begin, -circle.half - circle.centre);
-    if (!sweep && turn > 0)
-        turn -= 2 * pi;
-    else if (sweep && turn < 0)
-        turn += 2 * pi;
-
+    QPointF onCircle = circle.half - circle.centre;
+    const double turn = turnFrom(onCircle, -circle.half - circle.centre, sweep);
     if (!std::isfinite(turn))
         return {CubicSegment{from, QPointF(turn, turn), to}};
-    const int count = std::max(1, static_cast<int>(std::ceil(std::abs(turn) / (pi / 2))));
-    const double step = turn / count;
-    const double tangent = std::tan(step / 2);
-    const double reach = std::sin(step) * (std::sqrt(4 + 3 * tangent * tangent) - 1) / 3;
+
+    // Rounding makes many a quarter turn a little more than one: that much is no reason for another segment.
+    const int count = std::max(1, static_cast<int>(std::ceil(std::abs(turn) / (pi / 2) - 1e-9)));
+    const Rotation step = Rotation::by(turn / count);
+    const double reach = step.reach();
     const QPointF size(std::abs(radii.x()) * circle.scale, std::abs(radii.y()) * circle.scale);
     const auto ofEllipse = [&](QPointF p) { return rotation.apply({size.x() * p.x(), size.y() * p.y()}); };
     const QPointF middle = from + (to - from) / 2;
 
     QVarLengthArray<CubicSegment, 5> result;
-    double angle = std::atan2(begin.y(), begin.x());
     QPointF last = from;
-    QPointF direction = ofEllipse({-std::sin(angle), std::cos(angle)}) * reach;
+    QPointF direction = ofEllipse(tangent(onCircle)) * reach;
     for (int i = 1; i <= count; ++i) {
-        angle += step;
-        const QPointF onCircle(std::cos(angle), std::sin(angle));
+        onCircle = step.apply(onCircle);
         // The last one ends at the point given, not where rounding has taken it.
         const QPointF end = i == count ? to : ofEllipse(onCircle + circle.centre) + middle;
-        const QPointF nextDirection = ofEllipse({-onCircle.y(), onCircle.x()}) * reach;
+        const QPointF nextDirection = ofEllipse(tangent(onCircle)) * reach;
         result.append({last + direction, end - nextDirection, end});
         last = end;
         direction = nextDirection;

@@ -2,10 +2,12 @@
 
 #include "Design/EllipticalArc.h"
 #include "Support/JSONNumber.h"
+#include "Support/PowersOfTen.h"
 
-#include <QVarLengthArray>
+#include <QByteArray>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <string_view>
@@ -14,17 +16,49 @@ namespace torvane::SVGPath {
 
 namespace {
 
-constexpr std::string_view commandLetters = "MLHVCSQTAZmlhvcsqtaz";
+enum Kind : quint8 { other, separator, commandLetter };
 
-/// Stands for every scalar outside ASCII: path data has no use for any of them.
-constexpr char foreignScalar = '\x7f';
+constexpr auto kinds = [] {
+    std::array<Kind, 256> result{};
+    for (const char each : std::string_view(" \t\n\r,"))
+        result[static_cast<quint8>(each)] = separator;
+    for (const char each : std::string_view("MLHVCSQTAZmlhvcsqtaz"))
+        result[static_cast<quint8>(each)] = commandLetter;
+    return result;
+}();
 
-bool isSeparator(char scalar) {
-    return scalar == ' ' || scalar == ',' || scalar == '\n' || scalar == '\t' || scalar == '\r';
+constexpr bool is(Kind kind, char scalar) {
+    return kinds[static_cast<quint8>(scalar)] == kind;
 }
 
-bool isDigit(char scalar) {
+constexpr bool isDigit(char scalar) {
     return scalar >= '0' && scalar <= '9';
+}
+
+/// The digits of a number, read so far.
+struct Decimal {
+    const char* at;     ///< what follows them
+    quint64 digits = 0; ///< of more than 19 digits it has lost the first
+    qsizetype count = 0;
+
+    void readRun() {
+        const char* const begin = at;
+        for (; isDigit(*at); ++at)
+            digits = digits * 10 + static_cast<quint64>(*at - '0');
+        count += at - begin;
+    }
+};
+
+/// Passes an exponent, if there is one; false when it has no digits.
+bool passExponent(const char*& at) {
+    if (*at != 'e' && *at != 'E')
+        return true;
+    ++at;
+    at += *at == '-' || *at == '+';
+    const char* const begin = at;
+    while (isDigit(*at))
+        ++at;
+    return at > begin;
 }
 
 bool isRelative(char letter) {
@@ -43,13 +77,12 @@ bool fit(Points... points) {
 
 class Parser final {
 public:
-    explicit Parser(QStringView text);
+    explicit Parser(QStringView text)
+        : s(text.toLatin1()) {}
 
     QPainterPath parse();
 
 private:
-    using Scalars = QVarLengthArray<char, 2048>;
-
     bool draw(QPainterPath& to);
     bool moves(QPainterPath& to, bool rel);
     bool lines(QPainterPath& to, bool rel);
@@ -68,14 +101,11 @@ private:
 
     std::optional<double> num();
     std::optional<QPointF> point(bool rel);
-    bool digits();
     bool another();
-    bool atCommand() const { return i < s.size() && commandLetters.find(s[i]) != std::string_view::npos; }
-    char here() const { return i < s.size() ? s[i] : '\0'; }
     void skipSeparators();
     void forgetControls();
 
-    Scalars s;
+    const QByteArray s; ///< with a question mark for each scalar that Latin-1 has not: path data has a use for neither
     qsizetype i = 0;
     QPointF cur;
     QPointF start;
@@ -84,24 +114,15 @@ private:
     std::optional<char> cmd;
 };
 
-Parser::Parser(QStringView text)
-    : s(text.size()) {
-    for (qsizetype at = 0; at < text.size(); ++at) {
-        const char16_t unit = text[at].unicode();
-        s[at] = unit < 0x7f ? static_cast<char>(unit) : foreignScalar;
-    }
-}
-
 QPainterPath Parser::parse() {
     QPainterPath path;
     for (;;) {
         skipSeparators();
         if (i == s.size())
             return path;
-        if (atCommand())
-            cmd = s[i++];
-        else
+        if (!is(commandLetter, s[i]))
             return {}; // Every command but Z has read all its groups, Z takes none, and before the first there is none.
+        cmd = s[i++];
         if (!draw(path))
             return {};
     }
@@ -271,25 +292,26 @@ bool Parser::arc(QPainterPath& to, const EllipticalArc& arc) {
 /// The next number; none when there is none or it is malformed or too large. The index has passed what was read anyway.
 std::optional<double> Parser::num() {
     skipSeparators();
-    const bool plus = here() == '+';
-    const qsizetype begin = i + plus; // The conversion knows no such sign.
-    i += plus || here() == '-';
-    bool any = digits();
-    if (here() == '.') {
-        ++i;
-        any = digits() || any;
+    const char* const sign = s.constData() + i;
+    const char* const begin = sign + (*sign == '+' || *sign == '-');
+    Decimal decimal{begin};
+    decimal.readRun();
+    const qsizetype whole = decimal.count;
+    if (*decimal.at == '.') {
+        ++decimal.at;
+        decimal.readRun();
     }
-    if (here() == 'e' || here() == 'E') {
-        ++i;
-        if (here() == '-' || here() == '+')
-            ++i;
-        if (!digits())
-            return std::nullopt;
-    }
-    if (!any)
+    const char* const mark = decimal.at;
+    const bool isWhole = passExponent(decimal.at) && decimal.count > 0;
+    i = decimal.at - s.constData();
+    if (!isWhole)
         return std::nullopt;
-    const double value = JSON::numberValue({s.data() + begin, static_cast<std::size_t>(i - begin)});
-    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+    double value = 0;
+    if (decimal.at == mark && decimal.count < 16)
+        value = static_cast<double>(decimal.digits) / exactPowersOfTen[static_cast<std::size_t>(decimal.count - whole)];
+    else if (value = JSON::numberValue({begin, static_cast<std::size_t>(decimal.at - begin)}); !std::isfinite(value))
+        return std::nullopt;
+    return *sign == '-' ? -value : value;
 }
 
 std::optional<QPointF> Parser::point(bool rel) {
@@ -300,23 +322,17 @@ std::optional<QPointF> Parser::point(bool rel) {
     return rel ? QPointF(cur.x() + *x, cur.y() + *y) : QPointF(*x, *y);
 }
 
-/// Passes a run of digits; false when there is none.
-bool Parser::digits() {
-    const qsizetype begin = i;
-    while (isDigit(here()))
-        ++i;
-    return i > begin;
-}
-
 /// Whether the command in force has another group.
 bool Parser::another() {
     skipSeparators();
-    return i < s.size() && !atCommand();
+    return i < s.size() && !is(commandLetter, s[i]);
 }
 
 void Parser::skipSeparators() {
-    while (isSeparator(here()))
-        ++i;
+    const char* at = s.constData() + i;
+    while (is(separator, *at))
+        ++at;
+    i = at - s.constData();
 }
 
 void Parser::forgetControls() {

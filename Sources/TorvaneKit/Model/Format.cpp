@@ -37,13 +37,6 @@ QString ethereumValue(double price, Denomination denom, double ethPrice) {
     return denom == Denomination::gwei ? gwei(price) : txUsd(price, ethPrice, transferGas);
 }
 
-/// The unit stands behind Layer 2 prices alone: Ethereum's bare figure is the one that everybody reads as gwei.
-QString l2Value(const L2Entry& entry, Denomination denom) {
-    if (denom == Denomination::gwei)
-        return entry.costGwei ? gwei(*entry.costGwei) + QStringLiteral(" gwei") : emDash;
-    return entry.costUsd ? usd(*entry.costUsd) : emDash;
-}
-
 } // namespace
 
 QString gwei(double value) {
@@ -112,6 +105,13 @@ QString badgeValue(const BadgeChain& chain, const GasData& gas, const QList<L2En
         return ethereumValue(value(source, gas), denom, ethPrice);
     const L2Entry* entry = findL2(chain.title(), l2);
     return entry ? l2Value(*entry, denom) : emDash;
+}
+
+QString l2Value(const L2Entry& entry, Denomination denom) {
+    // The unit stands behind Layer 2 prices alone: Ethereum's bare figure is the one that everybody reads as gwei.
+    if (denom == Denomination::gwei)
+        return entry.costGwei ? gwei(*entry.costGwei) + QStringLiteral(" gwei") : emDash;
+    return entry.costUsd ? usd(*entry.costUsd) : emDash;
 }
 
 std::optional<QString> badgeTag(const BadgeChain& chain, const QList<L2Entry>& l2) {

@@ -49,6 +49,9 @@ QString block(quint64 value);
 QString badgeValue(const BadgeChain& chain, const GasData& gas, const QList<L2Entry>& l2, BadgeSource source,
                    Denomination denom, double ethPrice);
 
+/// The figure of a Layer 2 network, as the badge shows it: its gas price with unit or its cost, "—" where it has none.
+QString l2Value(const L2Entry& entry, Denomination denom);
+
 /// The short label of the badge's Layer 2 network; none for Ethereum and for a network that is not listed.
 std::optional<QString> badgeTag(const BadgeChain& chain, const QList<L2Entry>& l2);
 

@@ -1,10 +1,11 @@
 #include "Platform/UserNotificationCenter.h"
 
+#include "Platform/Sandbox.h"
+
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QFile>
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
@@ -34,8 +35,7 @@ bool announcesMarkup(const QDBusPendingCall& capabilities) {
 } // namespace
 
 NotificationRoute notificationRoute() {
-    const bool sandboxed = QFile::exists(u"/.flatpak-info"_s) || !qEnvironmentVariableIsEmpty("SNAP");
-    return sandboxed ? NotificationRoute::portal : NotificationRoute::desktop;
+    return isSandboxed() ? NotificationRoute::portal : NotificationRoute::desktop;
 }
 
 UserNotificationCenter::UserNotificationCenter(QDBusConnection bus, NotificationSender sender, NotificationRoute route)

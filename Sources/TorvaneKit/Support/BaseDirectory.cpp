@@ -43,4 +43,8 @@ QString data() {
     return directory("XDG_DATA_HOME", QLatin1StringView("/.local/share"));
 }
 
+QString runtime() {
+    return absolutePath("XDG_RUNTIME_DIR");
+}
+
 } // namespace torvane::BaseDirectory

@@ -10,4 +10,7 @@ QString config(); ///< $XDG_CONFIG_HOME, ~/.config
 QString cache();  ///< $XDG_CACHE_HOME, ~/.cache
 QString data();   ///< $XDG_DATA_HOME, ~/.local/share
 
+/// $XDG_RUNTIME_DIR, which lives in memory and ends with the session. It has no default: without it, it is empty.
+QString runtime();
+
 } // namespace torvane::BaseDirectory

@@ -1,5 +1,6 @@
 #include "Support/DefaultsFiles.h"
 
+#include "Support/Notice.h"
 #include "Support/Worker.h"
 
 namespace torvane {
@@ -69,10 +70,14 @@ void DefaultsFiles::writeAll() {
     const PreferencesDocument known = m_known;
     const QMap<QString, QByteArray> data = m_unwrittenData;
     lock.unlock();
-    if (!preferences.members().isEmpty() && writePreferences(preferences, known)) {
-        lock.relock();
-        m_unwrittenPreferences = remaining(m_unwrittenPreferences, preferences);
-        lock.unlock();
+    if (!preferences.members().isEmpty()) {
+        if (writePreferences(preferences, known)) {
+            lock.relock();
+            m_unwrittenPreferences = remaining(m_unwrittenPreferences, preferences);
+            lock.unlock();
+        } else {
+            complainOnce();
+        }
     }
     for (auto entry = data.begin(); entry != data.end(); ++entry) {
         if (!SafeFile::replace(dataPath(entry.key()), entry.value()))
@@ -82,6 +87,15 @@ void DefaultsFiles::writeAll() {
             m_unwrittenData.remove(entry.key());
         lock.unlock();
     }
+}
+
+/// A choice that is lost with the session is worth a word; the cache is not, which fills by itself.
+void DefaultsFiles::complainOnce() {
+    if (std::exchange(m_hasComplained, true))
+        return;
+    const QString place = m_preferencesPath.isEmpty() ? QStringLiteral("there is no home directory")
+                                                      : m_preferencesPath + QStringLiteral(" cannot be written");
+    notice(QStringLiteral("Your settings hold for this session only: ") + place + QLatin1Char('.'));
 }
 
 bool DefaultsFiles::writePreferences(const PreferencesDocument& changes, PreferencesDocument known) const {

@@ -33,6 +33,7 @@ public:
 private:
     void schedule();
     void writeAll();
+    void complainOnce();
     bool writePreferences(const PreferencesDocument& changes, PreferencesDocument known) const;
     bool mayBeReplaced(const SafeFile::Contents& file) const;
     QString dataPath(const QString& key) const;
@@ -44,6 +45,7 @@ private:
     PreferencesDocument m_unwrittenPreferences;
     QMap<QString, QByteArray> m_unwrittenData;
     bool m_isScheduled = false;
+    bool m_hasComplained = false; ///< the worker's alone
 };
 
 } // namespace torvane

@@ -1,9 +1,10 @@
 #include "Support/JSONNumber.h"
 
+#include "Support/PowersOfTen.h"
+
 #include <QtGlobal>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -12,9 +13,6 @@
 namespace torvane::JSON {
 
 namespace {
-
-/// The powers of ten that are exact doubles, as far as fifteen digits need them.
-constexpr std::array powersOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 /// The value of a number without exponent and with at most fifteen digits, as most figures are. Its digits are an exact
 /// double and so is the power of ten: their quotient is rounded once, to the nearest (Clinger 1990).
@@ -34,7 +32,7 @@ std::optional<double> shortValue(std::string_view number) {
             return std::nullopt;
     }
     // Sixteen digits come here too if there is no point: then the conversion is the one rounding.
-    const double value = static_cast<double>(digits) / powersOfTen[places];
+    const double value = static_cast<double>(digits) / exactPowersOfTen[places];
     return negative ? -value : value;
 }
 

@@ -1,5 +1,7 @@
 #include "Support/RepeatingTimer.h"
 
+#include "Support/Clock.h"
+
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -29,15 +31,30 @@ Qt::TimerType timerType(double interval, double tolerance) {
 } // namespace
 
 RepeatingTimer::RepeatingTimer(QObject* owner, double interval, double tolerance, std::function<void()> action)
-    : m_timer(new QTimer(owner)) {
+    : m_timer(new QTimer(owner))
+    , m_action(std::move(action))
+    , m_lastFired(Clock::now()) {
     m_timer->setInterval(timerInterval(interval));
     m_timer->setTimerType(timerType(interval, tolerance));
-    QObject::connect(m_timer, &QTimer::timeout, m_timer, std::move(action));
+    QObject::connect(m_timer, &QTimer::timeout, m_timer, [this] { fire(); });
     m_timer->start();
 }
 
 RepeatingTimer::~RepeatingTimer() {
     delete m_timer;
+}
+
+void RepeatingTimer::fireIfOverdue() {
+    if (!m_timer || m_lastFired.msecsTo(Clock::now()) < m_timer->interval())
+        return;
+    m_timer->start();
+    fire();
+}
+
+void RepeatingTimer::fire() {
+    m_lastFired = Clock::now();
+    const std::function<void()> action = m_action; // It may destroy this timer.
+    action();
 }
 
 } // namespace torvane

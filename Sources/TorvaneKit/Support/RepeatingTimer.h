@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QPointer>
 #include <QTimer>
 
@@ -16,11 +17,19 @@ public:
     RepeatingTimer(QObject* owner, double interval, double tolerance, std::function<void()> action);
     ~RepeatingTimer();
 
+    /// Fires at once when by the time of day a whole interval has passed since it last fired or began, and begins the
+    /// next interval then: a machine that sleeps holds up the timer, but not the time of day.
+    void fireIfOverdue();
+
     RepeatingTimer(const RepeatingTimer&) = delete;
     RepeatingTimer& operator=(const RepeatingTimer&) = delete;
 
 private:
+    void fire();
+
     QPointer<QTimer> m_timer; // The owner's child.
+    const std::function<void()> m_action;
+    QDateTime m_lastFired; // Or when it began.
 };
 
 } // namespace torvane

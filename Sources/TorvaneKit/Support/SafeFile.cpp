@@ -128,6 +128,14 @@ bool keepAside(const QString& path, const QString& suffix) {
     return ::lstat(aside, &status) != 0 && errno == ENOENT && ::rename(*destination, aside) == 0;
 }
 
+bool remove(const QString& path) {
+    const QByteArray name = QFile::encodeName(path);
+    TemporaryFile::removeLeftOvers(name);
+    if (::unlink(name) == 0)
+        return syncDirectory(directoryOf(name));
+    return errno == ENOENT || errno == ENOTDIR;
+}
+
 EditLock::EditLock(const QString& path)
     : m_directory(-1) {
     const std::optional<QByteArray> destination = destinationOf(path);

@@ -40,6 +40,10 @@ enum class Readers { owner, everyone };
 /// that already has that name stays, and then nothing is done. False if the file cannot be kept.
 [[nodiscard]] bool keepAside(const QString& path, const QString& suffix);
 
+/// Takes the name of a file away; a symbolic link goes itself, not what it names. True once the name is gone from the
+/// disk to stay, also if there was no such file.
+[[nodiscard]] bool remove(const QString& path);
+
 /// Keeps other processes from editing files of the same directory, for as long as it lives, so that what was read can
 /// be written back. Makes the directory where it is missing. It waits for others, but not for one that hangs: after a
 /// second it gives up, which risks another process's edit and never the file's integrity.

@@ -9,8 +9,9 @@ namespace torvane {
 class DefaultsFiles;
 
 /// A user's preferences by key, and larger data beside them. Lives on the main thread, which never waits for a write:
-/// a new value is in memory at once and on its way to the disk. A write that fails is silent; the value stays in memory
-/// and is tried again with the next value that is set. What is under way is awaited when the program ends.
+/// a new value is in memory at once and on its way to the disk. Of writes that fail the first is told of (see notice);
+/// the values stay in memory and are tried again with the next one that is set. What is under way is awaited when the
+/// program ends.
 ///
 /// The preferences are one JSON object in one file. Members that nobody assigns stay as they are, of whatever type.
 /// A file that is no JSON object (or is larger than 1 MiB) counts as empty; before it is replaced, at the first

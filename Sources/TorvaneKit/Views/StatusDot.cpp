@@ -20,6 +20,13 @@ void StatusDot::setColor(const QColor& color) {
     update();
 }
 
+void StatusDot::paint(QPainter& painter, QPointF centre, const QColor& color, double size) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawEllipse(centre, size / 2, size / 2);
+}
+
 QSize StatusDot::sizeHint() const {
     const int side = static_cast<int>(std::ceil(m_size));
     return {side, side};
@@ -27,10 +34,7 @@ QSize StatusDot::sizeHint() const {
 
 void StatusDot::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(m_color);
-    painter.drawEllipse(QRectF(rect()).center(), m_size / 2, m_size / 2);
+    paint(painter, QRectF(rect()).center(), m_color, m_size);
 }
 
 } // namespace torvane

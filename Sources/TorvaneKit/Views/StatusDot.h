@@ -15,6 +15,9 @@ public:
 
     void setColor(const QColor& color);
 
+    /// The same circle, for widgets that draw theirs beside other things.
+    static void paint(QPainter& painter, QPointF centre, const QColor& color, double size);
+
     QSize sizeHint() const override;
 
 protected:

@@ -1,9 +1,16 @@
 #include "Badge/BadgeDrawing.h"
 
+#include "Badge/FigureOutline.h"
+#include "Design/Artwork.h"
+#include "Design/ChainGlyph.h"
+#include "Design/DesignSystem.h"
+#include "Support/FixedPoint.h"
+
+#include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QPainter>
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -12,127 +19,198 @@ namespace torvane {
 
 namespace {
 
-/// Outlines are taken at this size, where hinting moves nothing, and scaled.
-constexpr int outlinePixels = 256;
+/// Icon sizes of the panels in use, in pixels. Each is drawn at its own size: a scaled figure is a blurred one.
+/// But xfce's panel scales the largest to its usual 22: three times that keeps the edges on pixels.
+constexpr std::array iconSizes{16, 22, 24, 32, 48, 64, 66};
 
-/// Parts of the square's side.
-constexpr double figureHeight = 0.405;
-constexpr double narrowestDigit = 0.17;
-/// No square holds more characters, and outlines of many take long.
-constexpr qsizetype mostCharacters = 8;
+/// Of the wide badge, in points.
+constexpr double gap = 2.5; // The mark has padding of its own.
+constexpr double rightMargin = 2;
+constexpr double plateMargin = 3;
 
-/// In pixels.
-constexpr double leastDigitWidth = 4;
-constexpr double leastFigureHeight = 6;
+/// The mark's own padding, as a part of its picture's side.
+constexpr double markPadding = 1.5 / badgePoints;
 
-/// Digits that are as high as they are wide look stretched: a short figure keeps a margin instead.
-constexpr double widestDigit = 0.80;
-
-bool isDrawable(const QString& figure) {
-    return !figure.isEmpty() && figure.size() <= mostCharacters &&
-           std::all_of(figure.cbegin(), figure.cend(), [](QChar each) { return each.isPrint(); });
+QImage canvas(QSize size) {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    return image;
 }
 
-/// What is kept free on each side and between mark and figure: whole pixels, and those of 22 at its multiples.
-int margin(int size) {
-    return std::max(1, static_cast<int>(std::round(size / 22.0)));
+/// A mark in the network's colours is a tile, and readable by itself.
+bool hasPlate(const BadgePicture& picture, const BadgeInk& ink, bool showsFigure) {
+    return ink.plate && (showsFigure || !picture.icon.colorIcon);
 }
 
-double heightOfFigure(int size) {
-    return std::max(std::round(size * figureHeight), leastFigureHeight);
+void drawPlate(QPainter& painter, const BadgeInk& ink, const QSize& size) {
+    const double radius = size.height() * 0.2;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(*ink.plate);
+    painter.drawRoundedRect(QRectF(QPointF(), size), radius, radius);
 }
 
-/// The outline moved to its place and squeezed to the width, standing on whole pixels; empty when it cannot be read.
-QPainterPath placed(const FigureOutline& figure, int size) {
-    const QRectF bounds = figure.path.boundingRect();
-    if (bounds.width() <= 0 || figure.digitHeight <= 0)
+QImage inked(QImage mark, const QColor& ink) {
+    QPainter painter(&mark);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(mark.rect(), ink);
+    return mark;
+}
+
+void drawMark(QPainter& painter, const BadgePicture& picture, const BadgeInk& ink, const QRect& place) {
+    const BadgeRaster raster = MenuBarLabel::badgeRaster(picture.icon, place.width());
+    if (!raster.image.isNull()) {
+        painter.drawImage(place.topLeft(), raster.isTemplate ? inked(raster.image, ink.color) : raster.image);
+        return;
+    }
+    painter.setFont(Fonts::mono(MenuBarLabel::fontSize * place.width() / badgePoints, QFont::Medium));
+    painter.setPen(ink.color);
+    painter.drawText(place, Qt::AlignCenter, picture.tag);
+}
+
+QPainterPath circle(const QRectF& bounds) {
+    QPainterPath path;
+    path.addEllipse(bounds);
+    return path;
+}
+
+/// As the icon draws itself, in its own points.
+QPainterPath markPath(const MenuBarBadgeIcon& icon) {
+    // Cutting turns curves into lines of about a unit: they have to be long in units to be smooth.
+    constexpr double enlarged = 100;
+    const QTransform points = QTransform::fromScale(1 / enlarged, 1 / enlarged);
+    const QTransform units = QTransform::fromScale(enlarged, enlarged);
+    QTransform place = QTransform::fromTranslate(icon.mark().x(), icon.mark().y());
+    place.scale(icon.size / Artwork::boxSide, icon.size / Artwork::boxSide);
+    const QPainterPath mark = place.map(ChainGlyph::path(icon.chain));
+    if (!icon.dotColor)
+        return mark;
+    QPainterPath whole = points.map(units.map(mark).subtracted(units.map(circle(icon.cutOut()))));
+    whole.addPath(circle(icon.dot()));
+    return whole;
+}
+
+QFont wideFont(double scale) {
+    QFont font = Fonts::mono(MenuBarLabel::fontSize * scale, QFont::Medium);
+    // What lies behind is not known, so that subpixels cannot be blended with it.
+    font.setStyleStrategy(QFont::NoSubpixelAntialias);
+    return font;
+}
+
+int pixels(double points, double scale) {
+    return static_cast<int>(std::ceil(points * scale));
+}
+
+/// What is free at each end of a wide badge for the plate's round corners.
+int endMargin(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+    return hasPlate(picture, ink, !picture.figure.isEmpty()) ? pixels(plateMargin, scale) : 0;
+}
+
+QString number(double value) {
+    return fixedPoint(value, 3);
+}
+
+QString pathData(const QPainterPath& path) {
+    QString data;
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const QPainterPath::Element element = path.elementAt(i);
+        if (element.isMoveTo())
+            data += u'M';
+        else if (element.isLineTo())
+            data += u'L';
+        else if (element.isCurveTo())
+            data += u'C';
+        else
+            data += u' ';
+        data += number(element.x) + u' ' + number(element.y);
+    }
+    return data;
+}
+
+QString shape(const QPainterPath& path) {
+    if (path.isEmpty())
         return {};
-    const double height = heightOfFigure(size);
-    const double vertical = height / figure.digitHeight;
-    const double room = size - 2 * margin(size);
-    const double roomiest = height * widestDigit / figure.digitWidth;
-    const double horizontal = std::min({vertical, room / bounds.width(), roomiest});
-    if (horizontal * figure.digitWidth < std::max(leastDigitWidth, narrowestDigit * size))
-        return {};
-    QTransform place;
-    place.translate((size - bounds.width() * horizontal) / 2, size - margin(size));
-    place.scale(horizontal, vertical);
-    place.translate(-bounds.left(), 0);
-    return place.map(figure.path);
-}
-
-/// An eight-sided stone seen from the side, each facet a tone: `part` is the facet's corners in parts of the rectangle.
-QPolygonF facet(const QRectF& rectangle, std::initializer_list<QPointF> corners) {
-    QPolygonF polygon;
-    for (const QPointF corner : corners)
-        polygon.append(rectangle.topLeft() + QPointF(corner.x() * rectangle.width(), corner.y() * rectangle.height()));
-    return polygon;
-}
-
-void drawMark(QPainter& painter, const QRectF& rectangle, const BadgeColors& colors) {
-    painter.setBrush(colors.markLight);
-    painter.drawPolygon(facet(rectangle, {{0.5, 0}, {0.5, 0.72}, {0, 0.5}}));
-    painter.drawPolygon(facet(rectangle, {{0.5, 0.82}, {0.5, 1}, {0, 0.60}}));
-    painter.setBrush(colors.markDark);
-    painter.drawPolygon(facet(rectangle, {{0.5, 0}, {1, 0.5}, {0.5, 0.72}}));
-    painter.drawPolygon(facet(rectangle, {{0.5, 0.82}, {1, 0.60}, {0.5, 1}}));
+    const QLatin1StringView rule = path.fillRule() == Qt::OddEvenFill ? "evenodd"_L1 : "nonzero"_L1;
+    return u"<path class=\"ColorScheme-Text\" fill=\"currentColor\" fill-rule=\"%1\" d=\"%2\"/>"_s.arg(rule,
+                                                                                                       pathData(path));
 }
 
 } // namespace
 
-BadgeColors badgeColors() {
-    return {QColor(0x1f, 0x23, 0x2b), QColor(0xff, 0xff, 0xff), QColor(0xc9, 0xd0, 0xff), QColor(0x8c, 0x97, 0xf5)};
-}
-
-FigureOutline figureOutline(const QString& figure, const QFont& font) {
-    if (!isDrawable(figure))
-        return {};
-    QFont large = font;
-    large.setPixelSize(outlinePixels);
-    large.setWeight(QFont::Bold);
-    large.setHintingPreference(QFont::PreferNoHinting);
-    const QFontMetricsF metrics(large);
-    FigureOutline outline;
-    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
-        outline.digitWidth = std::max(outline.digitWidth, metrics.horizontalAdvance(QChar(digit)));
-    QPainterPath seven; // Flat above and below, unlike the round digits.
-    seven.addText(0, 0, large, u"7"_s);
-    outline.digitHeight = seven.boundingRect().height();
-    double x = 0;
-    for (const QChar character : figure) {
-        // Digits stand in cells of one width, so that a figure does not jump about as it changes.
-        const double advance = metrics.horizontalAdvance(character);
-        const double cell = character.isDigit() ? outline.digitWidth : advance;
-        outline.path.addText(x + (cell - advance) / 2, 0, large, character);
-        x += cell;
+SquareLayout squareLayout(const BadgePicture& picture, int size, bool hasPlate) {
+    // Without a plate, round digits still reach a little below the line that they stand on.
+    const int margin = hasPlate ? std::max(1, static_cast<int>(std::lround(size / 22.0))) : size / 44;
+    const FigureOutline outline =
+        picture.figure.isEmpty() ? FigureOutline() // Fonts need not be loaded for none.
+                                 : figureOutline(picture.figure, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+    const QPainterPath figure = placed(outline, size, margin);
+    if (figure.isEmpty()) {
+        const int inset = hasPlate ? margin : 0; // It has padding of its own.
+        return {QRect(inset, inset, size - 2 * inset, size - 2 * inset), {}};
     }
-    return outline;
+    const int above = size - margin - figureHeight(size) - std::max(1, static_cast<int>(std::lround(size / 22.0)));
+    // The mark's padding reaches out of the room that is left for the mark itself.
+    const int side = static_cast<int>(std::floor((above - margin) / (1 - 2 * markPadding)));
+    const int top = margin - static_cast<int>(std::lround(side * markPadding));
+    return {QRect((size - side) / 2, top, side, side), figure};
 }
 
-BadgeLayout badgeLayout(const FigureOutline& figure, int size) {
-    BadgeLayout layout{{}, placed(figure, size)};
-    const int free = margin(size);
-    const bool alone = layout.figure.isEmpty();
-    const double top = alone ? 2 * free : free;
-    const double bottom = size - 2 * free - (alone ? 0 : heightOfFigure(size));
-    const double height = bottom - top;
-    const double width = height * 0.64;
-    layout.mark = QRectF((size - width) / 2, top, width, height);
-    return layout;
-}
-
-QImage badgeImage(const FigureOutline& figure, const BadgeColors& colors, int size) {
-    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
+QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size) {
+    QImage image = canvas({size, size});
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colors.plate);
-    painter.drawRoundedRect(QRectF(0, 0, size, size), size * 0.14, size * 0.14);
-    const BadgeLayout layout = badgeLayout(figure, size);
-    drawMark(painter, layout.mark, colors);
-    painter.fillPath(layout.figure, colors.ink);
+    SquareLayout layout = squareLayout(picture, size, ink.plate.has_value());
+    if (hasPlate(picture, ink, !layout.figure.isEmpty()))
+        drawPlate(painter, ink, image.size());
+    else if (ink.plate)
+        layout = squareLayout(picture, size, false);
+    drawMark(painter, picture, ink, layout.mark);
+    painter.fillPath(layout.figure, ink.color);
     return image;
+}
+
+QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink) {
+    QList<QImage> images;
+    for (const int size : iconSizes)
+        images.append(squareBadge(picture, ink, size));
+    return images;
+}
+
+QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+    const int height = pixels(badgePoints, scale);
+    const int ends = 2 * endMargin(picture, ink, scale);
+    if (picture.figure.isEmpty())
+        return {height + ends, height};
+    const double figure = QFontMetricsF(wideFont(scale)).horizontalAdvance(picture.figure);
+    return {height + pixels(gap + rightMargin, scale) + static_cast<int>(std::ceil(figure)) + ends, height};
+}
+
+QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+    QImage image = canvas(wideBadgeSize(picture, ink, scale));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const int height = image.height();
+    const int left = endMargin(picture, ink, scale);
+    if (hasPlate(picture, ink, !picture.figure.isEmpty()))
+        drawPlate(painter, ink, image.size());
+    drawMark(painter, picture, ink, QRect(left, 0, height, height));
+    const QFont font = wideFont(scale);
+    painter.setFont(font);
+    painter.setPen(ink.color);
+    const double baseline = std::round((height + QFontMetricsF(font).capHeight()) / 2);
+    painter.drawText(QPointF(left + height + pixels(gap, scale), baseline), picture.figure);
+    return image;
+}
+
+QByteArray symbolicBadge(const BadgePicture& picture, const QColor& color) {
+    constexpr int side = 2 * badgePoints; // Of whole numbers, upon which the figure stands.
+    const SquareLayout layout = squareLayout(picture, side, false);
+    QTransform place;
+    place.translate(layout.mark.x(), layout.mark.y());
+    place.scale(layout.mark.width() / double(badgePoints), layout.mark.height() / double(badgePoints));
+    const QString svg = u"<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\" viewBox=\"0 0 36 36\">"
+                        "<style id=\"current-color-scheme\" type=\"text/css\">.ColorScheme-Text{color:%1}</style>"
+                        "%2%3</svg>"_s;
+    return svg.arg(color.name(), shape(place.map(markPath(picture.icon))), shape(layout.figure)).toUtf8();
 }
 
 } // namespace torvane

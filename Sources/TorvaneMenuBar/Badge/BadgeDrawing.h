@@ -1,47 +1,38 @@
 #pragma once
 
-#include <QColor>
-#include <QFont>
+#include "Badge/BadgeSurface.h"
+
 #include <QImage>
+#include <QList>
 #include <QPainterPath>
-#include <QString>
 
 namespace torvane {
 
-/// What the badge is drawn with: the figure and the mark in ink upon a plate. A panel's colour is not known to its
-/// items, and a panel may be dark in a light desktop: upon its own plate the ink is readable on each.
-struct BadgeColors {
-    QColor plate;
-    QColor ink;
-    QColor markLight;
-    QColor markDark;
-
-    bool operator==(const BadgeColors&) const = default;
-};
-
-BadgeColors badgeColors();
-
-/// A figure's outline in one line, at no particular size, with the measures of the font's digits.
-struct FigureOutline {
-    QPainterPath path;
-    double digitWidth = 0;
-    double digitHeight = 0;
-};
-
-/// Empty when there is no figure, or none that a square could hold. Drawn at all sizes from one outline, since fonts
-/// are slow to give it.
-FigureOutline figureOutline(const QString& figure, const QFont& font);
-
-/// Where the parts of a badge lie, in pixels of a square. The figure is empty when there is none, or when it could not
-/// be read at this size; the mark then has the square to itself.
-struct BadgeLayout {
-    QRectF mark;
+/// Where the parts of a square badge lie, in its pixels. The figure is empty when there is none, or none that could be
+/// read at this size: the mark then has the square to itself.
+struct SquareLayout {
+    QRect mark; ///< with the mark's own padding
     QPainterPath figure;
 };
 
-BadgeLayout badgeLayout(const FigureOutline& figure, int size);
+SquareLayout squareLayout(const BadgePicture& picture, int size, bool hasPlate);
 
 /// A square badge of `size` pixels: the mark above, the figure below it.
-QImage badgeImage(const FigureOutline& figure, const BadgeColors& colors, int size);
+QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size);
+
+/// One for each usual size of icons.
+QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink);
+
+/// The height of the mark with its padding, and of the badge with the figure beside the mark.
+inline constexpr int badgePoints = 18;
+
+/// The size of the badge with the figure beside the mark, in pixels, at `scale` pixels for a point.
+QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double scale);
+
+QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale);
+
+/// An SVG picture of the badge in one colour that panels replace by their own: those on GTK by the file's name, which
+/// must end in "-symbolic.svg", Plasma by the style within.
+QByteArray symbolicBadge(const BadgePicture& picture, const QColor& color);
 
 } // namespace torvane

@@ -1,7 +1,6 @@
 #include "Coordination/Notifications.h"
-#include "TorvaneKitTests/Coordination/LiveStore.h"
+#include "TorvaneKitTests/Coordination/LiveStoreFixture.h"
 
-#include <QLoggingCategory>
 #include <QTest>
 
 #include <cmath>
@@ -37,10 +36,15 @@ void GasNotifier::fireCheapGas(double baseFee, qint64 threshold, bool sound) {
     g_alerts.append({baseFee, threshold, sound});
 }
 
-class AlertTest final : public QObject {
+class AlertTest final : public LiveStoreFixture {
     Q_OBJECT
 
-    std::unique_ptr<LiveStore> m_live;
+    void prepare() override {
+        g_alerts.clear();
+        m_live->settings.alertEnabled = true;
+        m_live->settings.alert = 10;
+        m_live->serve(documentAt(50));
+    }
 
     Snapshot documentAt(double baseFee) const {
         Snapshot snapshot = m_live->document();
@@ -55,18 +59,6 @@ class AlertTest final : public QObject {
     }
 
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
-
-    void init() {
-        g_alerts.clear();
-        m_live = std::make_unique<LiveStore>();
-        m_live->settings.alertEnabled = true;
-        m_live->settings.alert = 10;
-        m_live->serve(documentAt(50));
-    }
-
-    void cleanup() { m_live.reset(); }
-
     void eachDropBelowTheThresholdIsToldOnce() {
         m_live->openAndRefresh(); // At 12.
         for (const double fee : {9, 8, 11, 7})

@@ -1,6 +1,5 @@
-#include "TorvaneKitTests/Coordination/LiveStore.h"
+#include "TorvaneKitTests/Coordination/LiveStoreFixture.h"
 
-#include <QLoggingCategory>
 #include <QTest>
 
 using namespace torvane;
@@ -11,18 +10,10 @@ const BadgeChain base = BadgeChain::l2(QStringLiteral("Base"));
 
 } // namespace
 
-class LiveFreshnessTest final : public QObject {
+class LiveFreshnessTest final : public LiveStoreFixture {
     Q_OBJECT
 
-    std::unique_ptr<LiveStore> m_live;
-
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
-
-    void init() { m_live = std::make_unique<LiveStore>(); }
-
-    void cleanup() { m_live.reset(); }
-
     void aFreshQuoteIsLaidOverTheRelaysSnapshot() {
         m_live->openAndRefresh();
         QCOMPARE(m_live->shown().gas.baseFee, 12.0);

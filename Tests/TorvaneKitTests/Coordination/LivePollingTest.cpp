@@ -1,6 +1,5 @@
-#include "TorvaneKitTests/Coordination/LiveStore.h"
+#include "TorvaneKitTests/Coordination/LiveStoreFixture.h"
 
-#include <QLoggingCategory>
 #include <QTest>
 
 using namespace torvane;
@@ -11,18 +10,10 @@ const BadgeChain base = BadgeChain::l2(QStringLiteral("Base"));
 
 } // namespace
 
-class LivePollingTest final : public QObject {
+class LivePollingTest final : public LiveStoreFixture {
     Q_OBJECT
 
-    std::unique_ptr<LiveStore> m_live;
-
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
-
-    void init() { m_live = std::make_unique<LiveStore>(); }
-
-    void cleanup() { m_live.reset(); }
-
     void theTimersFollowCadenceAndNetwork_data() {
         QTest::addColumn<LiveGasCadence>("cadence");
         QTest::addColumn<BadgeChain>("chain");

@@ -41,7 +41,7 @@ private Q_SLOTS:
     void nothingIsWrittenAtCreation() {
         UserDefaults defaults(path(), m_directory->path());
         const AppSettings settings(defaults);
-        QVERIFY(worker().waitForDone());
+        worker().waitForDone();
         QVERIFY(!QFile::exists(path()));
     }
 
@@ -187,7 +187,7 @@ private Q_SLOTS:
         UserDefaults defaults(path(), m_directory->path());
         AppSettings settings(defaults);
         settings.alert = 10;
-        QVERIFY(worker().waitForDone());
+        worker().waitForDone();
         UserDefaults reopened(path(), m_directory->path());
         QCOMPARE(reopened.string(QStringLiteral("denom")), QStringLiteral("usd"));
         QCOMPARE(reopened.integer(QStringLiteral("alert")), 10);
@@ -244,7 +244,7 @@ private Q_SLOTS:
             settings.sound = true;
             settings.disabledL2 = {QStringLiteral("Base"), QStringLiteral("Ünichain \"2\"")};
         }
-        QVERIFY(worker().waitForDone());
+        worker().waitForDone();
         UserDefaults defaults(path(), m_directory->path());
         const AppSettings settings(defaults);
         QCOMPARE(settings.denom.value(), Denomination::usd);

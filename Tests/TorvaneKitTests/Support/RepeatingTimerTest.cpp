@@ -1,5 +1,8 @@
 #include "Support/RepeatingTimer.h"
 
+#include "Support/Clock.h"
+
+#include <QScopeGuard>
 #include <QTest>
 
 #include <chrono>
@@ -13,6 +16,12 @@ namespace {
 constexpr double longest = 2'147'483.647;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+qint64 g_second = 0;
+
+QDateTime simulatedTime() {
+    return QDateTime::fromSecsSinceEpoch(g_second, Qt::UTC);
+}
 
 } // namespace
 
@@ -115,6 +124,56 @@ private Q_SLOTS:
         timer = std::make_unique<RepeatingTimer>(
             this, 0.001, 0, [&] { timer = std::make_unique<RepeatingTimer>(this, 0.002, 0, [&] { ++second; }); });
         QTRY_VERIFY_WITH_TIMEOUT(second >= 2, 30'000);
+    }
+
+    void whenTheTimeOfDayHasPassedItFiresAtOnceAndBeginsAnew_data() {
+        QTest::addColumn<qint64>("slept");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("not at all") << qint64{0} << 0;
+        QTest::newRow("a second too short") << qint64{59} << 0;
+        QTest::newRow("just an interval") << qint64{60} << 1;
+        QTest::newRow("a night") << qint64{36'000} << 1;
+        QTest::newRow("a clock set back") << qint64{-36'000} << 0;
+    }
+
+    void whenTheTimeOfDayHasPassedItFiresAtOnceAndBeginsAnew() {
+        QFETCH(qint64, slept);
+        QFETCH(int, expected);
+        const auto restore = qScopeGuard([] { Clock::setSource(nullptr); });
+        g_second = 1'790'000'000;
+        Clock::setSource(&simulatedTime);
+        int fired = 0;
+        RepeatingTimer timer(this, 60, 6, [&] { ++fired; });
+        g_second += slept;
+        timer.fireIfOverdue();
+        QCOMPARE(fired, expected);
+        timer.fireIfOverdue();
+        QCOMPARE(fired, expected); // The interval has just begun.
+    }
+
+    void anOverdueTimerMayDestroyItself() {
+        const auto restore = qScopeGuard([] { Clock::setSource(nullptr); });
+        g_second = 1'790'000'000;
+        Clock::setSource(&simulatedTime);
+        std::unique_ptr<RepeatingTimer> timer;
+        int fired = 0;
+        timer = std::make_unique<RepeatingTimer>(this, 60, 6, [&] {
+            ++fired;
+            timer.reset();
+        });
+        g_second += 61;
+        timer->fireIfOverdue();
+        QCOMPARE(fired, 1);
+        QVERIFY(!timer);
+    }
+
+    void withoutItsOwnerAnOverdueTimerIsStill() {
+        auto owner = std::make_unique<QObject>();
+        int fired = 0;
+        RepeatingTimer timer(owner.get(), 0.001, 0, [&] { ++fired; });
+        owner.reset();
+        timer.fireIfOverdue();
+        QCOMPARE(fired, 0);
     }
 };
 

@@ -234,6 +234,29 @@ private Q_SLOTS:
         QVERIFY(!SafeFile::keepAside(at("none"), QStringLiteral(".aside")));
     }
 
+    void aRemovedFileIsGoneWithWhatWasLeftOfItsWriting() {
+        put(at("file"), "text");
+        put(at(".file.0123456789abcdef.tmp"), "te");
+        put(at("other"), "text");
+        QVERIFY(SafeFile::remove(at("file")));
+        QCOMPARE(entriesBeside(QStringLiteral("file")), QStringList{QStringLiteral("other")});
+        QVERIFY(SafeFile::remove(at("file")));
+        QVERIFY(SafeFile::remove(at("no directory/file")));
+    }
+
+    void aLinkIsRemovedAndNotWhatItNames() {
+        put(at("file"), "text");
+        QVERIFY(QFile::link(at("file"), at("link")));
+        QVERIFY(SafeFile::remove(at("link")));
+        QCOMPARE(entriesBeside(QStringLiteral("file")), QStringList{QStringLiteral("file")});
+    }
+
+    void whatIsNoFileIsNotRemoved() {
+        QVERIFY(QDir().mkpath(at("directory")));
+        QVERIFY(!SafeFile::remove(at("directory")));
+        QVERIFY(QFileInfo(at("directory")).isDir());
+    }
+
     void anEditLockMakesTheDirectoryAndLetsGo() {
         const QString path = at("new/file");
         const auto isLocked = [&] {

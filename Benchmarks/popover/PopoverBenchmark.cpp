@@ -1,0 +1,194 @@
+// What a full repaint of the popover costs, beside drawing the same figures straight away: ten networks, histories of
+// 288 points. Blocks of repaints alternate between the two, the first repaint of each uncounted; medians count. Below
+// the comparison stands what the very first paint costs, when nothing is kept from an earlier one yet. Then the popover
+// is made, painted and discarded twenty times, after some that fill what the libraries keep: its memory must be back.
+// PopoverBenchmark [ROUNDS]   exits with 1 where a bar is missed, with 2 where one of them draws nothing
+#include "Comparison.h"
+#include "Coordination/SnapshotStore.h"
+#include "Design/DesignSystem.h"
+#include "Views/PopoverView.h"
+#include "popover/DrawnPopover.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+
+using namespace Qt::StringLiterals;
+using namespace torvane;
+
+namespace {
+
+constexpr int points = 288;
+constexpr int repaintsPerBlock = 10;
+constexpr double bar = 0.6;
+
+QList<double> history(double middle) {
+    QList<double> values;
+    for (int i = 0; i < points; ++i)
+        values.append(middle * (1 + 0.3 * std::sin(i * 0.11) + 0.1 * ((i * 7919) % 31) / 31));
+    return values;
+}
+
+Snapshot market() {
+    Snapshot snapshot{};
+    snapshot.generatedAt = u"2026-01-01T00:00:00Z"_s;
+    snapshot.price = {3456.7, 1.2, {}, {}};
+    snapshot.gas = {12.4, 12.5, 13.4, 31, history(12), 0.9, 6.43};
+    for (const QString& name : {u"Arbitrum"_s, u"Optimism"_s, u"Base"_s, u"Robinhood Chain"_s, u"zkSync Era"_s,
+                                u"Unichain"_s, u"Scroll"_s, u"Linea"_s, u"Starknet"_s, u"Ethereum"_s}) {
+        L2Entry entry{};
+        entry.name = name;
+        entry.status = u"Normal"_s;
+        entry.costGwei = 0.0105;
+        entry.history = history(0.01);
+        snapshot.l2.append(entry);
+    }
+    return snapshot;
+}
+
+/// CPU microseconds of this thread.
+double cpu() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
+}
+
+QImage surface(QSize size, int scale) {
+    QImage image(size * scale, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    return image;
+}
+
+void paintView(PopoverView& view, QImage& image) {
+    image.fill(Palette::paper.in(currentAppearance()));
+    view.render(&image, {}, {}, QWidget::DrawChildren);
+}
+
+void paintDrawn(const DrawnPopover& drawn, QImage& image) {
+    image.fill(Palette::paper.in(currentAppearance()));
+    QPainter painter(&image);
+    drawn.draw(painter);
+}
+
+template <class Paint>
+void addBlock(const Paint& paint, std::vector<double>& times) {
+    for (int i = 0; i <= repaintsPerBlock; ++i) {
+        const double start = cpu();
+        paint();
+        if (i > 0)
+            times.push_back(cpu() - start);
+    }
+}
+
+/// A picture of nothing would be quickly painted.
+void requireContent(const QImage& image) {
+    QSet<QRgb> colors;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            colors.insert(image.pixel(x, y));
+    }
+    if (colors.size() > 100)
+        return;
+    std::fputs("A repaint drew next to nothing\n", stderr);
+    std::exit(2);
+}
+
+struct Program {
+    QTemporaryDir home;
+    UserDefaults defaults{home.filePath(u"preferences.json"_s), home.filePath(u"cache"_s)};
+    AppSettings settings{defaults};
+    SnapshotStore store{settings, defaults};
+};
+
+bool compare(Program& program, const DrawnPopover& drawn, int scale, int rounds) {
+    PopoverView view(program.store, program.settings);
+    view.setAttribute(Qt::WA_DontShowOnScreen);
+    view.show();
+    view.adjustSize();
+    QImage ours = surface(view.size(), scale);
+    QImage yardstick = surface(view.size(), scale);
+    const double start = cpu();
+    paintView(view, ours);
+    const double first = cpu() - start;
+    std::vector<double> oursTimes;
+    std::vector<double> yardstickTimes;
+    for (int round = 0; round < rounds; ++round) {
+        addBlock([&] { paintView(view, ours); }, oursTimes);
+        addBlock([&] { paintDrawn(drawn, yardstick); }, yardstickTimes);
+    }
+    requireContent(ours);
+    requireContent(yardstick);
+    if (qEnvironmentVariableIsSet("SAVE_PNG")) {
+        ours.save(qEnvironmentVariable("SAVE_PNG") + u"-ours-%1x.png"_s.arg(scale));
+        yardstick.save(qEnvironmentVariable("SAVE_PNG") + u"-yardstick-%1x.png"_s.arg(scale));
+    }
+    const Comparison repaint{scale == 1 ? "full repaint, scale 1" : "full repaint, scale 2", "us", median(oursTimes),
+                             median(yardstickTimes), bar};
+    repaint.print();
+    std::printf("%-44s %9.4g us\n", "  of which the first one, once", first);
+    return repaint.isMet();
+}
+
+/// KiB of memory that are this process's alone.
+double privateMemory() {
+    QFile rollup(u"/proc/self/smaps_rollup"_s);
+    if (!rollup.open(QIODevice::ReadOnly))
+        return 0;
+    double sum = 0;
+    for (const QByteArray& line : rollup.readAll().split('\n')) {
+        if (line.startsWith("Private_"))
+            sum += line.simplified().split(' ').value(1).toDouble();
+    }
+    return sum;
+}
+
+/// CPU microseconds until the first picture.
+double openOnce(Program& program) {
+    const double start = cpu();
+    PopoverView view(program.store, program.settings);
+    view.show();
+    view.adjustSize();
+    QImage image = surface(view.size(), 2);
+    paintView(view, image);
+    return cpu() - start;
+}
+
+bool leavesNothingBehind(Program& program) {
+    constexpr int openings = 20;
+    constexpr double mostGrowth = 64; // Pages that the allocator takes a little later; one popover has hundreds.
+    std::vector<double> times;
+    for (int i = 0; i < openings; ++i)
+        openOnce(program);
+    const double before = privateMemory();
+    for (int i = 0; i < openings; ++i)
+        times.push_back(openOnce(program));
+    const double growth = privateMemory() - before;
+    std::printf("%-44s %9.4g us\n", "made and painted anew at scale 2", median(times));
+    std::printf("%-44s %9.4g KiB (at most %g)\n", "private memory grown over 20 openings", growth, mostGrowth);
+    return growth <= mostGrowth;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 11;
+    Program program;
+    const Snapshot snapshot = market();
+    program.store.snapshot = snapshot;
+    program.store.ethereumBlockNumber = 21000000;
+    program.store.lastUpdated = QDateTime::currentDateTimeUtc();
+    const DrawnPopover drawn(snapshot);
+    std::printf("CPU of a repaint, medians of %d blocks of %d\n", rounds, repaintsPerBlock);
+    Comparison::printHead();
+    const bool isMetAt1 = compare(program, drawn, 1, rounds);
+    const bool isMetAt2 = compare(program, drawn, 2, rounds);
+    return leavesNothingBehind(program) && isMetAt1 && isMetAt2 ? 0 : 1;
+}

@@ -1,0 +1,153 @@
+#include "Design/VisualEffect.h"
+
+#include "Design/DesignSystem.h"
+
+#include <QEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace torvane {
+
+namespace {
+
+constexpr int popoverRadius = 12;
+
+int radiusOf(Material material) {
+    return material == Material::popover ? popoverRadius : 0;
+}
+
+/// How far a quarter circle of this radius leaves a row of pixels free, to the nearest pixel.
+int indent(int radius, int row) {
+    const double height = radius - row - 0.5;
+    return static_cast<int>(std::lround(radius - std::sqrt(radius * radius - height * height)));
+}
+
+QPainterPath rounded(const QRectF& rectangle, double radius) {
+    QPainterPath path;
+    path.addRoundedRect(rectangle, radius, radius);
+    return path;
+}
+
+/// A line of this width along the inside of a rectangle with round corners.
+QPainterPath ring(const QRectF& rectangle, double radius, double width) {
+    QPainterPath path = rounded(rectangle, radius);
+    path.addPath(rounded(rectangle.adjusted(width, width, -width, -width), radius - width));
+    return path; // Filled by the odd-even rule, which is a path's own.
+}
+
+/// Outside, a line that sets the window off from one of the same colour; inside it the edge of the glass, a hairline.
+void paintEdge(QPainter& painter, const QRectF& rectangle) {
+    painter.fillPath(ring(rectangle, popoverRadius, 1), QColor(Palette::line2));
+    painter.fillPath(ring(rectangle.adjusted(1, 1, -1, -1), popoverRadius - 1, 0.5), QColor(Palette::glassStroke));
+}
+
+/// A translucent colour upon an opaque one.
+QColor blended(const QColor& over, const QColor& below) {
+    const float opacity = over.alphaF();
+    const auto mix = [opacity](float a, float b) { return a * opacity + b * (1 - opacity); };
+    return QColor::fromRgbF(mix(over.redF(), below.redF()), mix(over.greenF(), below.greenF()),
+                            mix(over.blueF(), below.blueF()));
+}
+
+QRect scaled(const QRect& rectangle, double scale) {
+    return QRectF(QPointF(rectangle.topLeft()) * scale, QSizeF(rectangle.size()) * scale).toAlignedRect();
+}
+
+} // namespace
+
+QRegion VisualEffect::outline(const QRect& rectangle, int radius) {
+    const int rounded = std::min({radius, rectangle.width() / 2, rectangle.height() / 2});
+    QRegion region(rectangle.adjusted(0, rounded, 0, -rounded));
+    for (int row = 0; row < rounded; ++row) {
+        const int free = indent(rounded, row);
+        region += QRect(rectangle.x() + free, rectangle.top() + row, rectangle.width() - 2 * free, 1);
+        region += QRect(rectangle.x() + free, rectangle.bottom() - row, rectangle.width() - 2 * free, 1);
+    }
+    return region;
+}
+
+BackdropLook backdropLook(BlendingMode mode, bool isX11, const X11::Compositing& compositing) {
+    if (mode == BlendingMode::withinWindow)
+        return {true, false, false};
+    const bool cornersMayBeTransparent = !isX11 || compositing.isRunning;
+    const bool isBlurred = compositing.isRunning && compositing.blursBehind;
+    return {!isBlurred, isBlurred, !cornersMayBeTransparent};
+}
+
+VisualEffect::VisualEffect(Material material, BlendingMode blendingMode, QWidget* parent)
+    : QWidget(parent)
+    , m_material(material)
+    , m_blendingMode(blendingMode) {
+    adapt();
+}
+
+void VisualEffect::setMaterial(Material material) {
+    if (material == m_material)
+        return;
+    m_material = material;
+    adapt();
+}
+
+void VisualEffect::setBlendingMode(BlendingMode mode) {
+    if (mode == m_blendingMode)
+        return;
+    m_blendingMode = mode;
+    adapt();
+}
+
+void VisualEffect::adapt() {
+    m_look = backdropLook(m_blendingMode, X11::isRunning(), X11::compositing());
+    if (m_blendingMode == BlendingMode::behindWindow)
+        window()->setAttribute(Qt::WA_TranslucentBackground);
+    shapeWindow();
+    update();
+}
+
+bool VisualEffect::event(QEvent* event) {
+    const bool result = QWidget::event(event);
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Show)
+        shapeWindow();
+    return result;
+}
+
+/// Nothing that a window without a native one could have; it gets its shape when it is shown.
+void VisualEffect::shapeWindow() {
+    if (!window()->windowHandle() || size().isEmpty())
+        return;
+    const QRect place(mapTo(window(), QPoint()), size());
+    const int radius = radiusOf(m_material);
+    if (m_look.isCutOut)
+        window()->setMask(outline(place, radius));
+    else
+        window()->clearMask();
+    if (m_look.isBlurred) {
+        const double scale = devicePixelRatio();
+        X11::setBlurBehind(window()->winId(), outline(scaled(place, scale), qRound(radius * scale)));
+    }
+}
+
+void VisualEffect::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    const QColor ground = Palette::paper;
+    if (m_material == Material::window) {
+        painter.fillRect(event->rect(), ground);
+        return;
+    }
+    const QColor glass = m_look.hasGround ? blended(Palette::glassScrim, ground) : QColor(Palette::glassScrim);
+    // Only the rows with round corners are worth a path; what is cut out of the window needs none.
+    const QRect middle = rect().adjusted(0, popoverRadius, 0, -popoverRadius);
+    painter.fillRect((m_look.isCutOut ? rect() : middle) & event->rect(), glass);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!m_look.isCutOut) {
+        painter.setClipRegion(QRegion(rect()) - middle);
+        painter.fillPath(rounded(rect(), popoverRadius), glass);
+        painter.setClipping(false);
+    }
+    paintEdge(painter, rect());
+}
+
+} // namespace torvane

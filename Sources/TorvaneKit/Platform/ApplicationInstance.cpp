@@ -1,0 +1,122 @@
+#include "Platform/ApplicationInstance.h"
+
+#include "Platform/InstanceSocket.h"
+
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+constexpr auto applicationInterface = "org.freedesktop.Application"_L1;
+
+/// As in the D-Bus specification, "org.freedesktop.DBus.RequestName".
+constexpr uint doNotQueue = 4;
+constexpr uint primaryOwner = 1;
+constexpr uint alreadyOwner = 4;
+
+/// A bus that takes longer is not one to wait for.
+constexpr int busLimitMs = 2000;
+/// An instance that takes longer hangs.
+constexpr int ownerLimitMs = 5000;
+
+QString objectPath(QString id) {
+    return u'/' + id.replace(u'.', u'/').replace(u'-', u'_');
+}
+
+/// What a desktop hands to a launch so that its window may come to the front.
+QVariantMap platformData() {
+    QVariantMap data;
+    if (const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty())
+        data.insert(u"activation-token"_s, token);
+    if (const QString startup = qEnvironmentVariable("DESKTOP_STARTUP_ID"); !startup.isEmpty())
+        data.insert(u"desktop-startup-id"_s, startup);
+    return data;
+}
+
+} // namespace
+
+ApplicationInstance::ApplicationInstance(QDBusConnection bus, QString id, QObject* parent)
+    : QObject(parent)
+    , m_bus(std::move(bus))
+    , m_id(std::move(id))
+    , m_object(m_bus, objectPath(m_id), interface()) {}
+
+ApplicationInstance::~ApplicationInstance() = default;
+
+DBusInterface ApplicationInstance::interface() {
+    const auto activate = [this](const QVariantList&) {
+        Q_EMIT activated();
+        return dbusAnswer();
+    };
+    // It opens no files and has no actions, but whoever calls these wants to see it.
+    return {applicationInterface,
+            {{"Activate"_L1, {"a{sv}"_L1}, {}, activate},
+             {"Open"_L1, {"as"_L1, "a{sv}"_L1}, {}, activate},
+             {"ActivateAction"_L1, {"s"_L1, "av"_L1, "a{sv}"_L1}, {}, activate}},
+            {},
+            {}};
+}
+
+void ApplicationInstance::settle() {
+    if (!m_bus.isConnected()) {
+        settleBySocket();
+        return;
+    }
+    m_object.publish(); // Before the name: the call that the bus started us for follows right after it.
+    requestName();
+}
+
+void ApplicationInstance::requestName() {
+    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                                       u"org.freedesktop.DBus"_s, u"RequestName"_s);
+    call.setArguments({m_id, doNotQueue});
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, busLimitMs), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        nameRequested(*watcher);
+    });
+}
+
+void ApplicationInstance::nameRequested(const QDBusPendingCallWatcher& reply) {
+    const QDBusPendingReply<uint> answer(reply);
+    // A bus that refuses the name or does not answer cannot tell of another instance either.
+    if (answer.isError() || answer.value() == primaryOwner || answer.value() == alreadyOwner)
+        Q_EMIT becameFirst();
+    else
+        activateOwner();
+}
+
+void ApplicationInstance::activateOwner() {
+    QDBusMessage call = QDBusMessage::createMethodCall(m_id, objectPath(m_id), applicationInterface, u"Activate"_s);
+    call.setArguments({platformData()});
+    call.setAutoStartService(false); // Were the owner gone by now, we would be the one to start.
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, ownerLimitMs), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        ownerAnswered(*watcher);
+    });
+}
+
+void ApplicationInstance::ownerAnswered(const QDBusPendingCallWatcher& reply) {
+    const bool isGone = reply.isError() && (reply.error().type() == QDBusError::ServiceUnknown ||
+                                            reply.error().name() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1);
+    if (isGone && !std::exchange(m_askedAgain, true))
+        requestName();
+    else
+        Q_EMIT deferred(!reply.isError());
+}
+
+void ApplicationInstance::settleBySocket() {
+    m_socket = new InstanceSocket(m_id, this);
+    connect(m_socket, &InstanceSocket::called, this, &ApplicationInstance::activated);
+    connect(m_socket, &InstanceSocket::bound, this, &ApplicationInstance::becameFirst);
+    connect(m_socket, &InstanceSocket::deferred, this, &ApplicationInstance::deferred);
+    m_socket->settle();
+}
+
+} // namespace torvane

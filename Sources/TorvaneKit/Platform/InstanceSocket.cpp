@@ -1,0 +1,131 @@
+#include "Platform/InstanceSocket.h"
+
+#include <QMetaObject>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace torvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds answerLimit = 5s;
+constexpr char heard = 1;
+
+/// The name's length counts: the kernel's names are bytes, zero ones included.
+struct Address {
+    sockaddr_un address{};
+    socklen_t size = 0;
+};
+
+Address address(const QByteArray& name) {
+    Address result;
+    result.address.sun_family = AF_UNIX;
+    // The first byte stays zero: such a name lies in no file system.
+    const auto length =
+        std::min<std::size_t>(static_cast<std::size_t>(name.size()), sizeof result.address.sun_path - 1);
+    std::memcpy(result.address.sun_path + 1, name.constData(), length);
+    result.size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
+    return result;
+}
+
+FileDescriptor newSocket() {
+    return FileDescriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+/// Anyone on the machine may bind or call a name of the kernel's.
+bool isOurs(int descriptor) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == geteuid();
+}
+
+QByteArray nameFor(const QString& id) {
+    QByteArray display = qgetenv("WAYLAND_DISPLAY");
+    if (display.isEmpty())
+        display = qgetenv("DISPLAY");
+    return id.toUtf8() + '/' + QByteArray::fromStdString(std::to_string(geteuid())) + '/' + display;
+}
+
+} // namespace
+
+InstanceSocket::InstanceSocket(const QString& id, QObject* parent)
+    : QObject(parent)
+    , m_name(nameFor(id)) {}
+
+void InstanceSocket::settle() {
+    QMetaObject::invokeMethod(this, &InstanceSocket::bindOrCall, Qt::QueuedConnection);
+}
+
+void InstanceSocket::bindOrCall() {
+    m_descriptor = newSocket();
+    const Address own = address(m_name);
+    const auto* generic = reinterpret_cast<const sockaddr*>(&own.address);
+    if (bind(m_descriptor.get(), generic, own.size) == 0)
+        listen();
+    else if (errno == EADDRINUSE)
+        call();
+    else
+        Q_EMIT bound(); // Without a socket nobody can call, which is no reason not to run.
+}
+
+void InstanceSocket::listen() {
+    constexpr int waitingCalls = 8;
+    if (::listen(m_descriptor.get(), waitingCalls) == 0) {
+        auto* notifier = new QSocketNotifier(m_descriptor.get(), QSocketNotifier::Read, this);
+        connect(notifier, &QSocketNotifier::activated, this, &InstanceSocket::accept);
+    }
+    Q_EMIT bound();
+}
+
+void InstanceSocket::accept() {
+    const FileDescriptor caller(accept4(m_descriptor.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (!caller.isOpen() || !isOurs(caller.get()))
+        return;
+    // A caller that has gone meanwhile wants the same as one that waits.
+    [[maybe_unused]] const ssize_t sent = send(caller.get(), &heard, sizeof heard, MSG_NOSIGNAL);
+    Q_EMIT called();
+}
+
+void InstanceSocket::call() {
+    m_descriptor = newSocket();
+    const Address other = address(m_name);
+    const bool connected =
+        ::connect(m_descriptor.get(), reinterpret_cast<const sockaddr*>(&other.address), other.size) == 0;
+    if (connected && !isOurs(m_descriptor.get()))
+        Q_EMIT bound(); // Another user took our name: that is not us.
+    else if (connected)
+        awaitAnswer();
+    else
+        Q_EMIT deferred(false);
+}
+
+void InstanceSocket::awaitAnswer() {
+    auto* notifier = new QSocketNotifier(m_descriptor.get(), QSocketNotifier::Read, this);
+    auto* limit = new QTimer(this);
+    connect(notifier, &QSocketNotifier::activated, this, [this, notifier, limit] {
+        notifier->setEnabled(false);
+        limit->stop();
+        char byte = 0;
+        Q_EMIT deferred(read(m_descriptor.get(), &byte, sizeof byte) == sizeof byte);
+    });
+    connect(limit, &QTimer::timeout, this, [this, notifier] {
+        notifier->setEnabled(false);
+        Q_EMIT deferred(false);
+    });
+    limit->setSingleShot(true);
+    limit->start(answerLimit);
+}
+
+} // namespace torvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QList>
+#include <QRect>
+#include <QRegion>
+#include <QString>
+#include <qwindowdefs.h>
+
+/// What an X server's clients tell each other through properties: the Extended Window Manager Hints, and KWin's for
+/// blur. Positions and sizes are the server's own pixels. On other platforms nothing is there and nothing happens.
+namespace torvane::X11 {
+
+/// Whether Qt draws on an X server, one inside a Wayland session included.
+bool isRunning();
+
+/// Who puts windows together on the screen. Without a compositor, transparent parts of windows are black.
+struct Compositing {
+    bool isRunning = false;
+    bool blursBehind = false; ///< blurs what lies behind a window, where that asks for it
+
+    bool operator==(const Compositing&) const = default;
+};
+
+Compositing compositing();
+
+/// The name that the window manager gives itself, or empty.
+QString windowManagerName();
+
+/// A panel, or what else keeps an edge of a screen for itself.
+struct Dock {
+    QRect geometry;
+    Qt::Edge edge;
+
+    bool operator==(const Dock&) const = default;
+};
+
+QList<Dock> docks();
+
+/// Keeps the window out of taskbars and pagers. Has an effect before the window is first shown.
+void skipTaskbarAndPager(WId window);
+
+/// Asks for blur behind this part of the window; for none when it is empty.
+void setBlurBehind(WId window, const QRegion& part);
+
+} // namespace torvane::X11

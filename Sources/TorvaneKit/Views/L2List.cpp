@@ -1,0 +1,59 @@
+#include "Views/L2List.h"
+
+#include "Model/ChartHistory.h"
+#include "Views/Composition.h"
+#include "Views/L2Row.h"
+#include "Views/PopoverText.h"
+#include "Views/Sparkline.h"
+
+namespace torvane {
+
+L2List::L2List(QWidget* parent)
+    : QWidget(parent)
+    , m_layout(column()) {
+    setLayout(m_layout);
+}
+
+void L2List::setEntries(const QList<L2Entry>& entries, Denomination denom) {
+    setRowCount(entries.size());
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        fill(m_rows[i], entries[i], denom);
+}
+
+std::optional<QString> L2List::hoveredL2() const {
+    for (const Row& each : m_rows) {
+        if (each.row->underMouse())
+            return each.row->name();
+    }
+    return std::nullopt;
+}
+
+void L2List::resizeEvent(QResizeEvent*) {
+    for (const Row& each : m_rows)
+        placeSpark(each);
+}
+
+/// Beside the row's texts, in the column that the row leaves free for it.
+void L2List::placeSpark(const Row& row) const {
+    row.inlineSpark->setGeometry(row.row->chartColumn(width()));
+}
+
+void L2List::setRowCount(qsizetype count) {
+    while (m_rows.size() > count)
+        delete m_rows.takeLast().row;
+    while (m_rows.size() < count) {
+        auto* row = new L2Row;
+        m_rows.append({row, new Sparkline(row)});
+        m_layout->addWidget(row);
+    }
+}
+
+void L2List::fill(const Row& row, const L2Entry& entry, Denomination denom) const {
+    row.row->setNetwork(entry.name, primary(entry, denom), entry.status);
+    const std::optional<ChartHistory> history = Format::chartHistory(BadgeChain::l2(entry.name), {}, {entry});
+    row.inlineSpark->setSeries(history ? history->heading : QString(), history ? history->values : QList<double>());
+    row.inlineSpark->setVisible(history.has_value());
+    placeSpark(row);
+}
+
+} // namespace torvane

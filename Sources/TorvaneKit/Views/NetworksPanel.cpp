@@ -1,0 +1,82 @@
+#include "Views/NetworksPanel.h"
+
+#include "Design/DesignSystem.h"
+#include "Views/L2Metadata.h"
+#include "Views/PanelParts.h"
+#include "Views/PreferencesPanels.h"
+#include "Views/Switch.h"
+#include "Views/TextLabel.h"
+
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+using namespace PanelParts;
+
+NetworksPanel::NetworksPanel(SnapshotStore& store, AppSettings& settings, QWidget* parent)
+    : QWidget(parent)
+    , m_settings(settings) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    fill();
+    follow(store.snapshot);
+    store.snapshot.observe(this, [this](const std::optional<Snapshot>& next) { follow(next); });
+}
+
+void NetworksPanel::follow(const std::optional<Snapshot>& snapshot) {
+    std::optional<QStringList> names;
+    if (snapshot) {
+        names.emplace();
+        for (const L2Entry& entry : snapshot->l2)
+            names->append(entry.name);
+    }
+    if (names == m_names)
+        return;
+    m_names = names;
+    fill();
+}
+
+void NetworksPanel::fill() {
+    const QString focused = focusedNetwork();
+    delete m_content;
+    const QFont body = Fonts::sans(13, QFont::Normal);
+    m_content = m_names ? list() : new TextLabel(u"Waiting for the first snapshot…"_s, body, Palette::ink3);
+    layout()->addWidget(m_content);
+    for (Switch* network : m_content->findChildren<Switch*>()) {
+        if (!focused.isNull() && network->accessibleName() == focused)
+            network->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+/// The network whose switch has the keyboard's focus; null without one.
+QString NetworksPanel::focusedNetwork() const {
+    const QWidget* focused = focusWidget();
+    return focused && focused->hasFocus() ? focused->accessibleName() : QString();
+}
+
+QWidget* NetworksPanel::list() {
+    QList<QWidget*> rows{row(netInfo(u"Ethereum"_s, u"Mainnet · Layer 1"_s), capsule(u"Always"_s))};
+    for (const QString& name : *m_names) {
+        rows.append(sep());
+        rows.append(row(netInfo(name, l2Kind(name)), networkSwitch(name)));
+    }
+    const QString note = u"Enabled networks appear in the popover's Layer 2 list. Ethereum mainnet is always shown."_s;
+    return card(column(rows), note);
+}
+
+QWidget* NetworksPanel::networkSwitch(const QString& name) {
+    auto* toggle = new Switch(name);
+    toggle->setChecked(m_settings.isEnabled(name));
+    m_settings.disabledL2.observe(
+        toggle, [toggle, name](const QSet<QString>& disabled) { toggle->setChecked(!disabled.contains(name)); });
+    connect(toggle, &QAbstractButton::clicked, this, [this, name] { m_settings.toggle(name); });
+    return toggle;
+}
+
+QWidget* PreferencesPanels::networks(SnapshotStore& store, AppSettings& settings) {
+    return new NetworksPanel(store, settings);
+}
+
+} // namespace torvane

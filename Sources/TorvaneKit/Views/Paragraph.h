@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Views/TextLine.h"
+
+namespace torvane {
+
+/// A text of as many lines as it needs within a fixed width.
+class Paragraph final : public QWidget, public AccessiblePart {
+    Q_OBJECT
+
+public:
+    Paragraph(const TextStyle& style, int width, const QString& text, QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    TextStyle m_style;
+    QList<TextRun> m_lines;
+    int m_width;
+};
+
+} // namespace torvane

@@ -1,0 +1,76 @@
+#include "Views/PlainButton.h"
+
+#include "Design/DesignSystem.h"
+#include "Views/Drawing.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace torvane {
+
+namespace {
+
+constexpr double sideMargin = 6;
+constexpr double radius = 6;
+constexpr double focusWidth = 1.5;
+
+} // namespace
+
+PlainButton::PlainButton(QWidget* parent)
+    : QAbstractButton(parent) {
+    installAccessibility();
+    setAttribute(Qt::WA_Hover); // Repaints when the pointer comes and goes.
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+bool PlainButton::event(QEvent* event) {
+    // A button's pointer moves are of no interest, and each would repaint it.
+    if (event->type() == QEvent::HoverMove)
+        return true;
+    return QAbstractButton::event(event);
+}
+
+void PlainButton::focusInEvent(QFocusEvent* event) {
+    // A click says where it goes by itself; a window that comes back shows what it showed.
+    if (event->reason() == Qt::MouseFocusReason)
+        m_isFocusShown = false;
+    else if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
+        m_isFocusShown = true;
+    QAbstractButton::focusInEvent(event);
+}
+
+void PlainButton::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!event->isAutoRepeat())
+            click();
+        return;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        event->ignore(); // Where they lead is the view's to say.
+        return;
+    default:
+        QAbstractButton::keyPressEvent(event);
+    }
+}
+
+void PlainButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const bool isFocusShown = hasFocus() && m_isFocusShown;
+    if (isDown() || underMouse() || isFocusShown) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF shape = QRectF(rect()).adjusted(sideMargin, 0, -sideMargin, 0);
+        if (isDown() || underMouse())
+            fillRoundedRect(painter, shape, radius, isDown() ? Palette::surface3 : Palette::surface2);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(QColor(Palette::ink3), focusWidth));
+        const double half = focusWidth / 2;
+        if (isFocusShown)
+            painter.drawRoundedRect(shape.adjusted(half, half, -half, -half), radius - half, radius - half);
+    }
+    paintContent(painter);
+}
+
+} // namespace torvane

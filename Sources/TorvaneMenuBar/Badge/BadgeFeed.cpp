@@ -1,0 +1,46 @@
+#include "Badge/BadgeFeed.h"
+
+#include "Support/Clock.h"
+
+namespace torvane {
+
+BadgeFeed::BadgeFeed(const SnapshotStore& store, const AppSettings& settings)
+    : m_store(store)
+    , m_settings(settings) {
+    connect(&store, &ObservableObject::objectWillChange, this, &BadgeFeed::announceSoon);
+    connect(&settings, &ObservableObject::objectWillChange, this, &BadgeFeed::announceSoon);
+    m_age.setSingleShot(true);
+    connect(&m_age, &QTimer::timeout, this, &BadgeFeed::announce);
+    awaitAge();
+}
+
+BadgeLook BadgeFeed::look() const {
+    return badgeLook(m_store.snapshot, m_store.lastUpdated, m_settings, Clock::now());
+}
+
+/// Changes are announced before they take effect, and many at a time: the badge looks once, after all of them.
+void BadgeFeed::announceSoon() {
+    if (m_isStale)
+        return;
+    m_isStale = true;
+    QMetaObject::invokeMethod(this, &BadgeFeed::announce, Qt::QueuedConnection);
+}
+
+void BadgeFeed::announce() {
+    m_isStale = false;
+    Q_EMIT lookChanged(look());
+    awaitAge();
+}
+
+void BadgeFeed::awaitAge() {
+    m_age.stop();
+    const std::optional<QDateTime>& lastUpdated = m_store.lastUpdated;
+    if (!lastUpdated)
+        return;
+    // One millisecond more than fresh; a timer that fires early, as coarse ones may, is set anew.
+    const auto left = Clock::now().msecsTo(lastUpdated->addDuration(badgeFreshness)) + 1;
+    if (left > 0)
+        m_age.start(std::chrono::milliseconds(left));
+}
+
+} // namespace torvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Badge/BadgeLook.h"
+#include "Coordination/SnapshotStore.h"
+
+#include <QTimer>
+
+namespace torvane {
+
+/// Follows the store and the settings, and says how the badge looks: once after all changes of a turn of the main
+/// loop, and when data that nobody renewed come to say how old they are.
+class BadgeFeed final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Both must outlive it.
+    BadgeFeed(const SnapshotStore& store, const AppSettings& settings);
+
+    BadgeLook look() const;
+
+Q_SIGNALS:
+    /// It may be the same as before.
+    void lookChanged(const BadgeLook& look);
+
+private:
+    void announceSoon();
+    void announce();
+    void awaitAge();
+
+    const SnapshotStore& m_store;
+    const AppSettings& m_settings;
+    bool m_isStale = false;
+    QTimer m_age{this};
+};
+
+} // namespace torvane

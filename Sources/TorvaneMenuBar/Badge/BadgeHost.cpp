@@ -1,0 +1,174 @@
+#include "Badge/BadgeHost.h"
+
+#include "Badge/LabelBadge.h"
+#include "Badge/SquareBadge.h"
+#include "Badge/SymbolicBadge.h"
+#include "Badge/TrayWindowBadge.h"
+#include "Badge/WideBadge.h"
+
+#include <QCursor>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+constexpr auto panelService = "org.kde.StatusNotifierWatcher"_L1;
+constexpr auto busService = "org.freedesktop.DBus"_L1;
+
+/// A panel brings its tray and its notifier items up one after the other.
+constexpr int settlingMs = 1000;
+
+/// Asks the bus itself, and answers from the loop: with an invalid reply when it knows nothing.
+template <class Value, class Receiver>
+void askBus(const QDBusConnection& bus, QLatin1StringView method, const QString& argument, QObject* context,
+            Receiver receiver) {
+    QDBusMessage call = QDBusMessage::createMethodCall(busService, u"/org/freedesktop/DBus"_s, busService, method);
+    call.setArguments({argument});
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), context);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, receiver] {
+        watcher->deleteLater();
+        receiver(QDBusPendingReply<Value>(*watcher));
+    });
+}
+
+} // namespace
+
+BadgeHost::BadgeHost(const QDBusConnection& bus, ProcessLookup lookup)
+    : m_bus(bus)
+    , m_lookup(lookup) {
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(settlingMs);
+    connect(&m_settling, &QTimer::timeout, this, &BadgeHost::choose);
+    connect(&m_tray, &SystemTray::managerChanged, this, &BadgeHost::trayChanged);
+    connect(&m_tray, &SystemTray::lookChanged, this, &BadgeHost::draw);
+    unsettle();
+    if (!m_bus.isConnected())
+        return;
+    m_panels.setConnection(m_bus);
+    m_panels.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    connect(&m_panels, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) { panelChanged(owner); });
+    m_panels.addWatchedService(panelService);
+    askBus<QString>(m_bus, "GetNameOwner"_L1, panelService, this, [this](const QDBusPendingReply<QString>& reply) {
+        if (reply.isValid() && m_owner.isEmpty())
+            panelChanged(reply.value());
+    });
+}
+
+void BadgeHost::show(const BadgeLook& look) {
+    if (look == m_look)
+        return;
+    m_look = look;
+    choose(); // Without a figure another surface may do.
+    draw();
+}
+
+void BadgeHost::setPreference(std::optional<Appearance> preference) {
+    if (preference == m_preference)
+        return;
+    m_preference = preference;
+    draw();
+}
+
+void BadgeHost::panelChanged(const QString& owner) {
+    m_owner = owner;
+    m_panel.reset();
+    replaceSurface(SurfaceKind::none);
+    unsettle();
+    if (owner.isEmpty())
+        choose();
+    else
+        askForProcess();
+}
+
+void BadgeHost::askForProcess() {
+    const auto received = [this, asked = m_owner](const QDBusPendingReply<uint>& reply) {
+        if (asked != m_owner)
+            return; // A panel that has gone in the meantime.
+        m_panel = panelKind(reply.isValid() ? m_lookup(reply.value()) : PanelProcess());
+        choose();
+    };
+    askBus<uint>(m_bus, "GetConnectionUnixProcessID"_L1, m_owner, this, received);
+}
+
+void BadgeHost::unsettle() {
+    m_settling.start();
+}
+
+void BadgeHost::trayChanged() {
+    if (m_kind == SurfaceKind::trayWindow)
+        replaceSurface(SurfaceKind::none); // Its window was the earlier tray's.
+    unsettle();
+    choose();
+    draw();
+}
+
+void BadgeHost::choose() {
+    if (!m_owner.isEmpty() && !m_panel)
+        return; // Which panel it is will be known in a moment.
+    const SurfaceKind kind =
+        surfaceKind({m_panel, m_tray.isPresent(), m_look.picture.wantsFigure, !m_settling.isActive()});
+    if (kind != m_kind)
+        replaceSurface(kind);
+}
+
+std::unique_ptr<BadgeSurface> BadgeHost::createSurface(SurfaceKind kind) const {
+    switch (kind) {
+    case SurfaceKind::none:
+        return nullptr;
+    case SurfaceKind::label:
+        return std::make_unique<LabelBadge>(m_bus);
+    case SurfaceKind::wide:
+        return std::make_unique<WideBadge>(m_bus);
+    case SurfaceKind::symbolic:
+        return std::make_unique<SymbolicBadge>(m_bus);
+    case SurfaceKind::square:
+        return std::make_unique<SquareBadge>(m_bus);
+    case SurfaceKind::trayWindow:
+        return std::make_unique<TrayWindowBadge>(m_tray);
+    }
+    Q_UNREACHABLE();
+}
+
+void BadgeHost::replaceSurface(SurfaceKind kind) {
+    if (kind == SurfaceKind::none && !m_surface)
+        return;
+    m_kind = kind;
+    m_surface.reset(); // Before there is another: a connection has one item.
+    m_surface = createSurface(kind);
+    if (m_surface) {
+        connect(m_surface.get(), &BadgeSurface::clicked, this,
+                [this](QPoint position) { Q_EMIT clicked(placeOf(position)); });
+        connect(m_surface.get(), &BadgeSurface::clickedAt, this, &BadgeHost::clicked);
+        connect(m_surface.get(), &BadgeSurface::commandChosen, this, &BadgeHost::commandChosen);
+        draw();
+    }
+    Q_EMIT surfaceChanged();
+}
+
+BadgeInk BadgeHost::ink() const {
+    if (m_tray.foreground())
+        return {*m_tray.foreground(), std::nullopt};
+    if (m_preference)
+        return {Palette::ink.in(*m_preference), std::nullopt};
+    return {Palette::ink.in(Appearance::dark), Palette::surface.in(Appearance::dark)};
+}
+
+void BadgeHost::draw() {
+    if (m_surface)
+        m_surface->show(m_look, ink());
+}
+
+/// On X11 the pointer is still where the badge was clicked, whatever the panel says.
+QRect BadgeHost::placeOf(QPoint stated) const {
+    if (m_tray.connection())
+        return {QCursor::pos(), QSize(1, 1)};
+    const bool isRight = m_panel == PanelKind::plasma || m_panel == PanelKind::swaybar;
+    return isRight ? QRect(stated, QSize(1, 1)) : QRect();
+}
+
+} // namespace torvane

@@ -1,0 +1,62 @@
+#include "Badge/BadgeLook.h"
+
+#include "Model/Format.h"
+#include "Model/GasLevel.h"
+
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+QString levelWord(const Snapshot& snapshot, const BadgeChain& chain) {
+    if (chain.isEthereum())
+        return word(gasLevel(snapshot.gas.baseFee));
+    const L2Entry* network = findL2(chain.title(), snapshot.l2);
+    return network ? network->status : u"Unavailable"_s;
+}
+
+/// With its unit: "12.3 gwei", "$0.79 a transfer". A Layer 2 network's figure has its own.
+QString explained(const QString& figure, const AppSettings& settings) {
+    if (!settings.badgeChain->isEthereum())
+        return figure;
+    return figure + (settings.denom == Denomination::gwei ? " gwei"_L1 : " a transfer"_L1);
+}
+
+/// Hours and minutes as the user writes them. The locale of no country writes seconds too.
+QString clockTime(const QDateTime& time) {
+    const QLocale locale;
+    const QTime local = time.toLocalTime().time();
+    return locale == QLocale::c() ? local.toString(u"HH:mm"_s) : locale.toString(local, QLocale::ShortFormat);
+}
+
+QStringList age(const std::optional<QDateTime>& lastUpdated, const QDateTime& now) {
+    if (!lastUpdated || lastUpdated->addDuration(badgeFreshness) >= now)
+        return {};
+    return {u"as of "_s + clockTime(*lastUpdated)};
+}
+
+} // namespace
+
+QString BadgeLook::title() const {
+    return detail.isEmpty() ? picture.icon.chain : picture.icon.chain + ": "_L1 + detail;
+}
+
+BadgeLook badgeLook(const std::optional<Snapshot>& snapshot, const std::optional<QDateTime>& lastUpdated,
+                    const AppSettings& settings, const QDateTime& now) {
+    const BadgeChain& chain = settings.badgeChain;
+    BadgePicture picture{MenuBarLabel::badgeIcon(snapshot, settings), {}, settings.menuNumber, {}};
+    if (!snapshot)
+        return {picture, u"No figures yet"_s};
+    picture.tag = Format::badgeTag(chain, snapshot->l2).value_or(QString());
+    picture.figure = MenuBarLabel::figureText(snapshot, settings).value_or(QString());
+    // Whoever switched the figure off still finds it in the tooltip.
+    const QString figure = Format::badgeValue(chain, snapshot->gas, snapshot->l2, settings.badgeSource, settings.denom,
+                                              snapshot->price.eth);
+    const QStringList words{explained(figure, settings), levelWord(*snapshot, chain)};
+    return {picture, (words + age(lastUpdated, now)).join(u" · "_s)};
+}
+
+} // namespace torvane

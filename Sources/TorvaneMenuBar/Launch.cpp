@@ -1,0 +1,61 @@
+#include "Launch.h"
+
+#include "Support/Notice.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+constexpr int notHeard = 1;
+
+} // namespace
+
+Launch::Launch() {
+    const auto begin = [this] { m_tasks.run(this->begin()); };
+    QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
+}
+
+Task<> Launch::begin() {
+    // The session's bus is connected to once, by whoever asks first, and that one waits for it.
+    const auto connectToBus = [] { return QDBusConnection::sessionBus().isConnected(); };
+    const bool hasBus = co_await detached(connectToBus);
+    if (!hasBus)
+        notice(u"There is no session bus, so no notifications, and a badge only in a tray of X's own. "
+               u"Start velisk once more to open its window."_s);
+    m_instance.emplace(QDBusConnection::sessionBus(), u"org.velisk.Torvane"_s);
+    connect(&*m_instance, &ApplicationInstance::becameFirst, this, &Launch::run);
+    connect(&*m_instance, &ApplicationInstance::deferred, this, &Launch::end);
+    connect(&*m_instance, &ApplicationInstance::activated, this, &Launch::comeForward);
+    m_instance->settle();
+}
+
+void Launch::run() {
+    m_app.emplace();
+    if (m_isAwaited)
+        m_app->comeForward();
+}
+
+void Launch::end(bool answered) {
+    if (!answered)
+        notice(u"It runs already in this session, but does not answer: end it and start it anew."_s);
+    QCoreApplication::exit(answered ? 0 : notHeard);
+}
+
+void Launch::comeForward() {
+    m_isAwaited = true;
+    if (m_app)
+        m_app->comeForward();
+}
+
+void preferX11() {
+    const bool offersBoth = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("DISPLAY");
+    if (offersBoth && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb;wayland");
+}
+
+} // namespace torvane

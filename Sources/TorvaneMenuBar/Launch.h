@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Platform/ApplicationInstance.h"
+#include "Support/Async.h"
+#include "TorvaneApp.h"
+
+#include <QObject>
+
+#include <optional>
+
+namespace torvane {
+
+/// One launch of the program: it becomes the session's velisk, or calls the one that runs forward and ends.
+class Launch final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Begins with the main loop. Needs a QApplication.
+    Launch();
+
+private:
+    Task<> begin();
+    void run();
+    void end(bool answered);
+    void comeForward();
+
+    std::optional<ApplicationInstance> m_instance;
+    std::optional<TorvaneApp> m_app;
+    bool m_isAwaited = false; // Called forward before there was anything to show.
+    TaskScope m_tasks;
+};
+
+/// Under Wayland no program can say where its windows go, but one that takes part through X can (XWayland): where both
+/// are offered, X is chosen unless the user has chosen already. To be called before the QApplication is made.
+void preferX11();
+
+} // namespace torvane

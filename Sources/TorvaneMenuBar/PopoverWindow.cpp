@@ -1,0 +1,107 @@
+#include "PopoverWindow.h"
+
+#include "Design/VisualEffect.h"
+#include "PopoverPlacement.h"
+#include "Views/ThinScrollBar.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+/// A popup of Qt's keeps all clicks to itself, the first one outside too. But a compositor of the wlroots family puts a
+/// window that it manages in the middle of the screen, wherever it wants to be: there only a popup lies at the badge.
+Qt::WindowFlags kindOfWindow() {
+    const bool isMovedAway = X11::windowManagerName() == "wlroots wm"_L1;
+    return (isMovedAway ? Qt::Popup : Qt::Tool | Qt::WindowStaysOnTopHint) | Qt::FramelessWindowHint;
+}
+
+void giveWay(QScrollArea& scroller) {
+    scroller.setFrameShape(QFrame::NoFrame);
+    scroller.setFocusPolicy(Qt::NoFocus); // Keys are the content's; it scrolls with those that are left over.
+    scroller.viewport()->setAutoFillBackground(false);
+    scroller.widget()->setAutoFillBackground(false);
+}
+
+} // namespace
+
+PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area)
+    : QWidget(nullptr, kindOfWindow())
+    , m_badge(badge)
+    , m_area(area)
+    , m_scroller(new QScrollArea) {
+    setWindowTitle(u"velisk"_s);
+    setAttribute(Qt::WA_NoSystemBackground);
+    content->installEventFilter(this);
+    m_scroller->viewport()->installEventFilter(this);
+    m_scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroller->setWidget(content.release());
+    giveWay(*m_scroller);
+
+    auto* backdrop = new VisualEffect(Material::popover, BlendingMode::behindWindow, this);
+    for (const auto& [outer, inner] : {std::pair<QWidget*, QWidget*>(this, backdrop), {backdrop, m_scroller}}) {
+        auto* layout = new QVBoxLayout(outer);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSizeConstraint(QLayout::SetNoConstraint);
+        layout->addWidget(inner);
+    }
+    fit();
+}
+
+void PopoverWindow::open() {
+    X11::skipTaskbarAndPager(winId());
+    show();
+    activateWindow();
+    m_scroller->widget()->setFocus();
+}
+
+/// A content with a layout is asked to lay itself out anew; of one without, it is the parent that hears.
+bool PopoverWindow::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest)
+        fit();
+    return false;
+}
+
+bool PopoverWindow::event(QEvent* event) {
+    const bool result = QWidget::event(event);
+    const bool isLeft = event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Close;
+    if (isLeft)
+        Q_EMIT ended(QApplication::activeWindow() ? PopoverEnd::ownWindow : PopoverEnd::foreignWindow);
+    return result;
+}
+
+void PopoverWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        Q_EMIT ended(PopoverEnd::escape);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+QSize PopoverWindow::contentSize() const {
+    const QWidget& content = *m_scroller->widget();
+    const QSize hint = content.sizeHint().expandedTo(content.minimumSize()).boundedTo(content.maximumSize());
+    const int height = content.hasHeightForWidth() ? content.heightForWidth(hint.width()) : hint.height();
+    return {hint.width(), height};
+}
+
+void PopoverWindow::fit() {
+    QSize wanted = contentSize();
+    m_scroller->widget()->resize(wanted);
+    const bool scrolls = wanted.height() > m_area.height();
+    if (scrolls && !m_bar) {
+        m_bar = new ThinScrollBar;
+        m_scroller->setVerticalScrollBar(m_bar);
+    }
+    if (scrolls)
+        wanted.rwidth() += m_bar->sizeHint().width();
+    m_scroller->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    setGeometry(PopoverPlacement::place(wanted, m_badge, m_area));
+}
+
+} // namespace torvane

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+class QScrollArea;
+class QScrollBar;
+
+namespace torvane {
+
+/// Why a popover closed by itself: its user typed Escape, or turned to another window, of ours or of another program.
+enum class PopoverEnd { escape, ownWindow, foreignWindow };
+
+/// The panel at the badge: a frame around a content that scrolls when the screen is too small for it. It has the
+/// content's size, follows it, and stays inside its screen's work area. The window goes when its user turns away from
+/// it or types Escape; it tells, and the owner deletes it.
+class PopoverWindow final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The badge and its screen's work area as PopoverPlacement has them.
+    PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area);
+
+    /// Shows the window and gives it the keyboard.
+    void open();
+
+Q_SIGNALS:
+    void ended(PopoverEnd end);
+
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QSize contentSize() const;
+    void fit();
+
+    const QRect m_badge;
+    const QRect m_area;
+    QScrollArea* m_scroller;
+    QScrollBar* m_bar = nullptr; // None before it is needed.
+};
+
+} // namespace torvane

@@ -1,0 +1,70 @@
+#include "PreferencesWindow.h"
+
+#include "Views/SymbolTile.h"
+
+#include <QIcon>
+#include <QPixmap>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+/// No button to maximise what has a fixed size.
+constexpr Qt::WindowFlags buttons = Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
+
+/// Drawn, not looked up: a program that is not installed has none in the icon themes.
+QIcon icon() {
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48, 64, 128}) {
+        SymbolTile tile(u"fuelpump.fill"_s, {side, side * 0.24, side * 0.6});
+        QPixmap pixmap(tile.size());
+        pixmap.fill(Qt::transparent);
+        tile.render(&pixmap, {}, {}, QWidget::DrawChildren);
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+} // namespace
+
+PreferencesWindow::PreferencesWindow(SnapshotStore& store, AppSettings& settings, UpdaterState& updater)
+    : QWidget(nullptr, Qt::Window | buttons) {
+    setWindowTitle(u"velisk Preferences"_s);
+    setWindowIcon(icon());
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(new PreferencesView(store, settings, updater));
+    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)})
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+}
+
+void PreferencesWindow::bringToFront() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+Preferences::Preferences(SnapshotStore& store, AppSettings& settings, UpdaterState& updater)
+    : m_store(store)
+    , m_settings(settings)
+    , m_updater(updater) {}
+
+Preferences::~Preferences() {
+    delete m_window;
+}
+
+void Preferences::open() {
+    if (!m_window)
+        m_window = new PreferencesWindow(m_store, m_settings, m_updater);
+    m_window->bringToFront();
+}
+
+} // namespace torvane

@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# popover.sh PROGRAM RELAY ANCHOR PORT: the whole program's popover and preferences in a real panel: opened by a click,
+# worked by the keyboard, in the colours that the user chooses.
+#
+# SHOTS             a folder that keeps the pictures
+source "$(dirname "$0")/rig.sh"
+rig_enter "$@"
+source "$(dirname "$0")/relay.sh"
+program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
+
+keep() {
+    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
+}
+
+# window_id NAME: the visible window of that title.
+window_id() {
+    xdotool search --onlyvisible --name "^$1\$" 2>/dev/null
+}
+
+window_is_active() {
+    [ -n "$(window_id "$1")" ] && [ "$(xdotool getactivewindow 2>/dev/null)" = "$(window_id "$1")" ]
+}
+
+popover_open() {
+    click 1 "$badge"
+    program_wait "the popover" window_is_active velisk
+}
+
+popover_wait_closed() {
+    program_wait "the popover's end $1" rig_not window_id velisk
+}
+
+panel_start
+panel_screenshot "$RIG/empty.png"
+relay_start
+relay_order "baseFee 12.2"
+program_start "$program_under_test"
+program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 100
+program_wait "the first fetch" more_requests_logged 0
+badge=$(difference_box "$RIG/empty.png" "$RIG/now.png")
+
+popover_open
+keep popover.png
+before=$(requests_logged)
+xdotool key ctrl+r
+program_wait "a fetch" more_requests_logged "$before"
+rig_pass "Ctrl+R in the popover fetches the figures"
+xdotool key Escape
+popover_wait_closed "by Escape"
+
+popover_open
+xdotool key ctrl+comma
+program_wait "the preferences in front" window_is_active "velisk Preferences"
+popover_wait_closed "with the preferences in front"
+keep preferences.png
+rig_pass "Ctrl+comma opens the preferences in front of the popover, which closes"
+
+popover_open
+xdotool key ctrl+q
+program_wait_end
+rig_wait "the badge to leave the panel" panel_equals "$RIG/empty.png"
+rig_pass "Ctrl+Q ends the program"

@@ -1,0 +1,160 @@
+// Writes pictures of the popover in all its states: PopoverGallery FOLDER [STATE...]. popover-STATE-LOOK-SCALEx.png,
+// LOOK being light or dark. The fonts are the desktop's.
+
+#include "Design/DesignSystem.h"
+#include "Support/PopoverScene.h"
+#include "Views/L2Row.h"
+#include "Views/PopoverView.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QLocale>
+#include <QPainter>
+
+#include <cstdio>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace torvane;
+
+namespace {
+
+struct State {
+    const char* name;
+    std::function<void(PopoverScene&)> prepare;
+    std::function<void(PopoverView&)> touch = [](PopoverView&) {};
+};
+
+/// One row under the pointer, one with the keyboard's focus, one just copied.
+void touchRows(PopoverView& view) {
+    const auto rows = view.findChildren<L2Row*>();
+    rows[1]->setAttribute(Qt::WA_UnderMouse);
+    rows[2]->click();
+    view.activateWindow();
+    QCoreApplication::processEvents();
+    rows[3]->setFocus(Qt::TabFocusReason);
+}
+
+void switchAllOff(PopoverScene& scene) {
+    for (const L2Entry& entry : scene.store.snapshot.value()->l2)
+        scene.settings.toggle(entry.name);
+}
+
+void forgetHistories(Snapshot& snapshot) {
+    snapshot.gas.history.clear();
+    for (L2Entry& entry : snapshot.l2)
+        entry.history.reset();
+}
+
+void lengthenNames(Snapshot& snapshot) {
+    for (L2Entry& entry : snapshot.l2)
+        entry.name = u"The Incredibly Decentralised "_s + entry.name + u" Superchain of the North"_s;
+}
+
+void shrinkFigures(Snapshot& snapshot) {
+    snapshot.gas.baseFee = 0.000123;
+    snapshot.gas.low = 0.000124;
+    snapshot.gas.avg = 0.00013;
+    snapshot.gas.high = 0.00000145;
+    for (double& value : snapshot.gas.history)
+        value /= 100000;
+    snapshot.l2[0].costGwei = 0.0000123;
+}
+
+const QList<State> states{
+    {"usual", [](PopoverScene&) {}},
+    {"touched", [](PopoverScene&) {}, touchRows},
+    {"ethereum", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::ethereum(); }},
+    {"loading",
+     [](PopoverScene& scene) {
+         scene.store.snapshot = std::nullopt;
+         scene.store.lastUpdated = std::nullopt;
+     }},
+    {"old",
+     [](PopoverScene& scene) {
+         scene.store.lastUpdated = PopoverScene::now().addSecs(-47 * 60);
+         scene.store.ethereumBlockNumber = std::nullopt;
+     }},
+    {"no-time", [](PopoverScene& scene) { scene.store.lastUpdated = std::nullopt; }},
+    {"no-history", [](PopoverScene& scene) { scene.change(forgetHistories); }},
+    {"all-off", switchAllOff},
+    {"chain-missing", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::l2(u"Nowhere"_s); }},
+    {"sixty", [](PopoverScene& scene) { scene.change([](Snapshot& it) { it.l2 = SampleSnapshot::networks(60); }); }},
+    {"long-names",
+     [](PopoverScene& scene) {
+         scene.change(lengthenNames);
+         scene.settings.badgeChain = BadgeChain::l2(scene.store.snapshot.value()->l2.first().name);
+     }},
+    {"usd", [](PopoverScene& scene) { scene.settings.denom = Denomination::usd; }},
+    {"german", [](PopoverScene&) { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }},
+    {"tiny", [](PopoverScene& scene) { scene.change(shrinkFigures); }},
+};
+
+/// The view on a window's ground, upon something of a desktop.
+QImage picture(PopoverView& view, double scale) {
+    constexpr int margin = 24;
+    constexpr double radius = 12;
+    QImage content(view.size() * scale, QImage::Format_ARGB32_Premultiplied);
+    content.setDevicePixelRatio(scale);
+    content.fill(Qt::transparent);
+    view.render(&content, {}, {}, QWidget::DrawChildren);
+
+    QImage image((view.size() + QSize(2 * margin, 2 * margin)) * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Palette::surface3.in(currentAppearance()));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF panel = QRectF(view.rect()).translated(margin, margin);
+    painter.setPen(QPen(QColor(Palette::line2), 0.5));
+    for (const DynamicColor* ground : {&Palette::paper, &Palette::glassScrim}) {
+        painter.setBrush(QColor(*ground));
+        painter.drawRoundedRect(panel, radius, radius);
+    }
+    painter.drawImage(panel.topLeft(), content);
+    return image;
+}
+
+bool write(const State& state, const QDir& folder) {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    PopoverScene scene;
+    scene.settings.badgeChain = BadgeChain::l2(u"Arbitrum"_s);
+    state.prepare(scene);
+    PopoverView view(scene.store, scene.settings);
+    view.setAttribute(Qt::WA_TranslucentBackground);
+    view.show();
+    view.adjustSize();
+    state.touch(view);
+    bool ok = true;
+    for (const Appearance look : {Appearance::light, Appearance::dark}) {
+        setCurrentAppearance(look);
+        for (const double scale : {1.0, 1.5, 2.0}) {
+            const QString name = u"popover-%1-%2-%3x.png"_s.arg(QLatin1StringView(state.name),
+                                                                look == Appearance::light ? u"light"_s : u"dark"_s,
+                                                                QString::number(scale));
+            ok &= picture(view, scale).save(folder.filePath(name));
+        }
+    }
+    return ok;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
+        std::fputs("Use: PopoverGallery FOLDER [STATE...]\n", stderr);
+        return 2;
+    }
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const QStringList wanted = QApplication::arguments().mid(2);
+    bool ok = true;
+    for (const State& state : states) {
+        if (wanted.isEmpty() || wanted.contains(QLatin1StringView(state.name)))
+            ok &= write(state, folder);
+    }
+    if (!ok)
+        std::fputs("PopoverGallery: a picture could not be written\n", stderr);
+    return ok ? 0 : 1;
+}

@@ -1,0 +1,76 @@
+#include "Design/Theme.h"
+#include "TorvaneKitTests/Views/PreferencesFixture.h"
+#include "Views/ChainPicker.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QDir>
+
+#include <cstdio>
+
+using namespace torvane;
+using namespace Qt::StringLiterals;
+using Section = PreferencesView::Section;
+
+namespace {
+
+bool save(QWidget& widget, const QDir& folder, const QString& name) {
+    if (widget.grab().save(folder.filePath(name)))
+        return true;
+    std::fprintf(stderr, "PreferencesGallery: cannot write %s\n", qUtf8Printable(folder.filePath(name)));
+    return false;
+}
+
+bool savePanels(PreferencesFixture& user, const QDir& folder, const QString& look) {
+    bool ok = true;
+    for (const Section section : allCases<Section>()) {
+        user.go(section);
+        const QString panel = QString(rawValue(section)).toLower().remove(u' ');
+        ok &= save(*user.view, folder, u"preferences-%1-%2.png"_s.arg(look, panel));
+    }
+    return ok;
+}
+
+/// The panel with the picker: its open list, and the ring that the keyboard brings.
+bool savePicker(PreferencesFixture& user, const QDir& folder, const QString& look) {
+    user.go(Section::menuBar);
+    auto* picker = user.control<ChainPicker>(u"Chain"_s);
+    picker->showPopup();
+    bool ok = save(*picker->view()->window(), folder, u"preferences-%1-list.png"_s.arg(look));
+    picker->hidePopup();
+    QTest::keyClick(user.view->focusWidget(), Qt::Key_Tab);
+    ok &= save(*user.view, folder, u"preferences-%1-focus.png"_s.arg(look));
+    QTest::keyClick(picker, Qt::Key_Tab);
+    return save(*user.view, folder, u"preferences-%1-focus-switch.png"_s.arg(look)) && ok;
+}
+
+bool saveAll(Appearance appearance, const QDir& folder) {
+    setCurrentAppearance(appearance);
+    QApplication::setPalette(widgetPalette(appearance));
+    const QString look = appearance == Appearance::dark ? u"dark"_s : u"light"_s;
+    PreferencesFixture user;
+    user.settings->alertEnabled = true;
+    user.settings->disabledL2 = {u"zkSync Era"_s};
+    user.updater.canCheck = true;
+    user.store->snapshot = PreferencesFixture::snapshot();
+    user.open();
+    const bool ok = savePanels(user, folder, look);
+    return savePicker(user, folder, look) && ok;
+}
+
+} // namespace
+
+/// Fonts and scale are the environment's: FONTCONFIG_FILE, QT_SCALE_FACTOR.
+int main(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication::setStyle(u"fusion"_s);
+    const QApplication application(argc, argv);
+    if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
+        std::fputs("Use: PreferencesGallery FOLDER\n", stderr);
+        return 2;
+    }
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const bool ok = saveAll(Appearance::light, folder);
+    return saveAll(Appearance::dark, folder) && ok ? 0 : 1;
+}

@@ -1,0 +1,174 @@
+#include "Badge/BadgeFeed.h"
+
+#include "Badge/BadgeHost.h"
+#include "Support/Clock.h"
+#include "Support/SimulatedMarket.h"
+#include "Support/StandInPanel.h"
+
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace torvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int limitMs = 30000;
+const QDateTime start = QDateTime::fromSecsSinceEpoch(1'790'000'000, Qt::UTC);
+
+QDateTime currentTime = start;
+
+QDateTime simulatedTime() {
+    return currentTime;
+}
+
+PanelProcess squares(uint) {
+    return {u"lxqt-panel"_s, {}};
+}
+
+} // namespace
+
+class BadgeFeedTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        currentTime = start;
+        Clock::setSource(&simulatedTime);
+        m_home = std::make_unique<QTemporaryDir>();
+        m_defaults =
+            std::make_unique<UserDefaults>(m_home->filePath(u"preferences.json"_s), m_home->filePath(u"cache"_s));
+        m_settings = std::make_unique<AppSettings>(*m_defaults);
+        m_store = std::make_unique<SnapshotStore>(*m_settings, *m_defaults);
+        m_feed = std::make_unique<BadgeFeed>(*m_store, *m_settings);
+    }
+
+    void cleanup() {
+        m_feed.reset();
+        m_store.reset();
+        m_settings.reset();
+        m_defaults.reset();
+        worker().waitForDone(); // Nothing is written into a home that is being removed.
+        Clock::setSource(nullptr);
+    }
+
+    void theChangesOfATurnAreAnnouncedOnceAndWhenTheyAreInEffect() {
+        QStringList figures;
+        connect(m_feed.get(), &BadgeFeed::lookChanged, this,
+                [&figures](const BadgeLook& look) { figures.append(look.picture.figure); });
+        publish();
+        m_settings->badgeSource = BadgeSource::baseFee;
+        m_settings->denom = Denomination::usd;
+        QVERIFY(figures.isEmpty());
+        QCoreApplication::processEvents();
+        QCOMPARE(figures, QStringList{m_feed->look().picture.figure});
+        QVERIFY(figures[0].startsWith(u'$'));
+    }
+
+    void dataThatNobodyRenewsComeToSayHowOldTheyAre() {
+        publish();
+        QCoreApplication::processEvents();
+        QVERIFY(!m_feed->look().detail.contains("as of"_L1));
+        QCOMPARE(ageTimer()->interval(), 600'001);
+        QVERIFY(ageTimer()->isSingleShot());
+        QSignalSpy looks(m_feed.get(), &BadgeFeed::lookChanged);
+        currentTime = start.addSecs(601);
+        fireAge();
+        QCOMPARE(looks.size(), 1);
+        QVERIFY(qvariant_cast<BadgeLook>(looks[0][0]).detail.contains("as of"_L1));
+        QVERIFY(!ageTimer()->isActive()); // There is nothing more to tell.
+    }
+
+    void aTimerThatFiresEarlyIsSetAnew() {
+        publish();
+        QCoreApplication::processEvents();
+        currentTime = start.addSecs(590);
+        fireAge();
+        QVERIFY(!m_feed->look().detail.contains("as of"_L1));
+        QVERIFY(ageTimer()->isActive());
+        QVERIFY(ageTimer()->interval() <= 10'001);
+    }
+
+    void newerDataAreAwaitedAnew() {
+        publish();
+        currentTime = start.addSecs(300);
+        publish();
+        QCoreApplication::processEvents();
+        QVERIFY(ageTimer()->interval() > 599'000);
+        QCOMPARE(m_feed->findChildren<QTimer*>().size(), 1);
+    }
+
+    void withoutDataNothingIsAwaited() {
+        m_settings->denom = Denomination::usd;
+        QCoreApplication::processEvents();
+        QVERIFY(!ageTimer()->isActive());
+    }
+
+    void aHundredUnchangedPublishesSendNothing() {
+        PrivateBus bus;
+        StandInPanel panel(bus);
+        QVERIFY(panel.appear());
+        const QDBusConnection connection = bus.connect();
+        BadgeHost host(connection, &squares);
+        connect(m_feed.get(), &BadgeFeed::lookChanged, &host, &BadgeHost::show);
+        publish();
+        QTRY_COMPARE_WITH_TIMEOUT(panel.services().size(), 1, limitMs);
+        QTRY_VERIFY_WITH_TIMEOUT(panel.property(u"Title"_s).toString().contains("gwei"_L1), limitMs);
+
+        QProcess monitor;
+        monitor.start(u"dbus-monitor"_s, {u"--address"_s, bus.address(), u"--profile"_s});
+        QByteArray seen;
+        // Asks the badge for something, and looks whether the monitor saw a message of this kind from it since.
+        const auto sees = [&](const QByteArray& kind) {
+            panel.property(u"Id"_s);
+            seen += monitor.readAllStandardOutput();
+            return sentBy(connection, seen, kind) > 0;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(sees("mr"), limitMs); // Now it listens.
+        seen.clear();
+        for (int i = 0; i < 100; ++i) {
+            currentTime = currentTime.addSecs(12);
+            publish();
+            QCoreApplication::processEvents();
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(sees("mr"), limitMs);
+        QCOMPARE(sentBy(connection, seen, {}), sentBy(connection, seen, "mr")); // Replies to us, and nothing else.
+        m_store->snapshot = SimulatedMarket::at(start.addSecs(7200));
+        QTRY_VERIFY_WITH_TIMEOUT(sees("sig"), limitMs); // A change, on the other hand, is told.
+        monitor.kill();
+        monitor.waitForFinished(-1);
+    }
+
+private:
+    void publish() {
+        m_store->snapshot = SimulatedMarket::at(start);
+        m_store->lastUpdated = currentTime;
+    }
+
+    /// The lines of a monitor, of this kind unless it is empty, that name the connection as the sender.
+    static qsizetype sentBy(const QDBusConnection& connection, const QByteArray& lines, const QByteArray& kind) {
+        qsizetype count = 0;
+        for (const QByteArray& line : lines.split('\n')) {
+            const QList<QByteArray> parts = line.split('\t');
+            count += parts.value(3) == connection.baseService().toLatin1() && (kind.isEmpty() || parts[0] == kind);
+        }
+        return count;
+    }
+
+    QTimer* ageTimer() const { return m_feed->findChild<QTimer*>(); }
+
+    void fireAge() { QVERIFY(QMetaObject::invokeMethod(ageTimer(), "timeout")); }
+
+    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<UserDefaults> m_defaults;
+    std::unique_ptr<AppSettings> m_settings;
+    std::unique_ptr<SnapshotStore> m_store;
+    std::unique_ptr<BadgeFeed> m_feed;
+};
+
+QTEST_MAIN(BadgeFeedTest)
+#include "BadgeFeedTest.moc"

@@ -1,0 +1,46 @@
+#include "CommandLine.h"
+
+#include "Model/Config.h"
+
+#include <QTest>
+
+using namespace torvane;
+using namespace Qt::StringLiterals;
+
+class CommandLineTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withoutArgumentsTheProgramRuns() { QVERIFY(!answerToArguments({})); }
+
+    void theVersionIsThatOfTheBuild() {
+        QCOMPARE(answerToArguments({u"--version"_s}),
+                 (CommandLineAnswer{u"velisk "_s + Config::currentVersion() + u'\n', 0}));
+    }
+
+    void theHelpNamesBothArguments() {
+        const auto answer = answerToArguments({u"--help"_s});
+        QCOMPARE(answer->status, 0);
+        QVERIFY(answer->text.contains("--help"_L1) && answer->text.contains("--version"_L1));
+        QCOMPARE(answerToArguments({u"-h"_s}), answer);
+    }
+
+    void anyOtherArgumentIsRefusedInOneLineThatNamesIt_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("a word") << QStringList{u"now"_s};
+        QTest::newRow("an option of the toolkit") << QStringList{u"-platform"_s, u"xcb"_s};
+        QTest::newRow("a known one too many") << QStringList{u"--version"_s, u"--help"_s};
+        QTest::newRow("an empty one") << QStringList{QString()};
+    }
+
+    void anyOtherArgumentIsRefusedInOneLineThatNamesIt() {
+        QFETCH(QStringList, arguments);
+        const auto answer = answerToArguments(arguments);
+        QCOMPARE(answer->status, 2);
+        QCOMPARE(answer->text.count(u'\n'), 1);
+        QVERIFY(answer->text.endsWith(arguments.join(u' ') + u'\n'));
+    }
+};
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "CommandLineTest.moc"

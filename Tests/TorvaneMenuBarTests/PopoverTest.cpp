@@ -1,0 +1,318 @@
+#include "Popover.h"
+
+#include "PopoverPlacement.h"
+
+#include <QApplication>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
+#include <QVBoxLayout>
+
+using namespace torvane;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int contentWidth = 344;
+
+/// Stands for what the popover shows: as large as one says.
+class Content final : public QWidget {
+public:
+    explicit Content(int height)
+        : m_height(height) {}
+
+    QSize sizeHint() const override { return {contentWidth, m_height}; }
+
+    void setHeight(int height) {
+        m_height = height;
+        updateGeometry();
+    }
+
+private:
+    int m_height;
+};
+
+} // namespace
+
+class PopoverTest final : public QObject {
+    Q_OBJECT
+
+    int m_height = 500;
+    QPointer<Content> m_content;
+    const QRect m_badge{600, 4, 22, 22};
+
+    Popover::MakeContent makeContent() {
+        return [this] {
+            auto content = std::make_unique<Content>(m_height);
+            m_content = content.get();
+            return content;
+        };
+    }
+
+    QWidget* window() const { return m_content->window(); }
+    QRect expectedPlace(int height) const;
+    void showOpen(Popover& popover);
+
+private Q_SLOTS:
+    void init() { m_height = 500; }
+    void nothingExistsBeforeTheFirstClick();
+    void aClickOpensItAtTheBadge();
+    void theNextClickClosesAndDiscardsIt();
+    void escapeClosesIt();
+    void turningAwayClosesIt();
+    void theClickThatTookTheFocusDoesNotOpenItAgain();
+    void whoDoesNotClickTheBadgeOpensItAtOnce();
+    void afterAnotherWindowOfOursAClickOpensItAtOnce();
+    void aLaterClickOpensItAgain();
+    void afterEscapeAClickOpensItAtOnce();
+    void openingAnOpenOneChangesNothing();
+    void onlyThePointersPlaceKeepsClearOfTheIcon();
+    void anUnknownPlaceIsTheCorner();
+    void anUnknownPlaceIsTheLastOne();
+    void itFollowsItsContent();
+    void contentTallerThanTheScreenScrolls();
+    void contentThatBecomesTallScrolls();
+    void contentWhoseHeightGoesByItsWidthIsAsHigh();
+    void theWindowIsATranslucentToolOnTop();
+    void keysAreTheContents();
+    void twentyOpeningsLeaveNothing();
+};
+
+QRect PopoverTest::expectedPlace(int height) const {
+    return PopoverPlacement::place({contentWidth, height}, m_badge,
+                                   QGuiApplication::primaryScreen()->availableGeometry());
+}
+
+void PopoverTest::showOpen(Popover& popover) {
+    popover.toggle(m_badge);
+    QVERIFY(popover.isOpen());
+    QVERIFY(QTest::qWaitForWindowExposed(window()));
+    QApplication::setActiveWindow(window());
+    QTRY_VERIFY(window()->isActiveWindow());
+}
+
+void PopoverTest::nothingExistsBeforeTheFirstClick() {
+    const Popover popover(makeContent());
+    QVERIFY(!popover.isOpen());
+    QVERIFY(!m_content);
+}
+
+void PopoverTest::aClickOpensItAtTheBadge() {
+    Popover popover(makeContent());
+    popover.toggle(m_badge);
+    QVERIFY(window()->isVisible());
+    QCOMPARE(window()->geometry(), expectedPlace(500));
+    QCOMPARE(m_content->size(), QSize(contentWidth, 500));
+    QCOMPARE(window()->windowTitle(), u"velisk"_s);
+}
+
+void PopoverTest::theNextClickClosesAndDiscardsIt() {
+    Popover popover(makeContent());
+    popover.toggle(m_badge);
+    const QPointer<QWidget> shown = window();
+    popover.toggle(m_badge);
+    QVERIFY(!popover.isOpen());
+    QVERIFY(!shown->isVisible());
+    QTRY_VERIFY(!m_content && !shown);
+    popover.toggle(m_badge);
+    QVERIFY(m_content && window()->isVisible());
+}
+
+void PopoverTest::escapeClosesIt() {
+    Popover popover(makeContent());
+    showOpen(popover);
+    QTest::keyClick(window()->windowHandle(), Qt::Key_A);
+    QVERIFY(popover.isOpen());
+    QTest::keyClick(window()->windowHandle(), Qt::Key_Escape);
+    QVERIFY(!popover.isOpen());
+    QTRY_VERIFY(!m_content);
+}
+
+void PopoverTest::turningAwayClosesIt() {
+    QWidget other;
+    other.show();
+    Popover popover(makeContent());
+    showOpen(popover);
+    QApplication::setActiveWindow(&other);
+    QTRY_VERIFY(!popover.isOpen());
+    QTRY_VERIFY(!m_content);
+}
+
+void PopoverTest::theClickThatTookTheFocusDoesNotOpenItAgain() {
+    Popover popover(makeContent(), 24h);
+    showOpen(popover);
+    QApplication::setActiveWindow(nullptr);
+    QTRY_VERIFY(!popover.isOpen());
+    popover.toggle(m_badge);
+    QVERIFY(!popover.isOpen());
+    popover.toggle(m_badge); // Only one click can have been answered.
+    QVERIFY(popover.isOpen());
+}
+
+void PopoverTest::whoDoesNotClickTheBadgeOpensItAtOnce() {
+    Popover popover(makeContent(), 24h);
+    showOpen(popover);
+    QApplication::setActiveWindow(nullptr);
+    QTRY_VERIFY(!popover.isOpen());
+    popover.open(m_badge);
+    QVERIFY(popover.isOpen());
+}
+
+void PopoverTest::afterAnotherWindowOfOursAClickOpensItAtOnce() {
+    QWidget preferences;
+    preferences.show();
+    Popover popover(makeContent(), 24h);
+    showOpen(popover);
+    QApplication::setActiveWindow(&preferences);
+    QTRY_VERIFY(!popover.isOpen());
+    popover.toggle(m_badge); // No panel has taken the keyboard.
+    QVERIFY(popover.isOpen());
+}
+
+void PopoverTest::aLaterClickOpensItAgain() {
+    Popover popover(makeContent(), 0ms);
+    showOpen(popover);
+    QApplication::setActiveWindow(nullptr);
+    QTRY_VERIFY(!popover.isOpen());
+    popover.toggle(m_badge);
+    QVERIFY(popover.isOpen());
+}
+
+void PopoverTest::afterEscapeAClickOpensItAtOnce() {
+    Popover popover(makeContent(), 24h);
+    showOpen(popover);
+    QTest::keyClick(window()->windowHandle(), Qt::Key_Escape);
+    QVERIFY(!popover.isOpen());
+    popover.toggle(m_badge);
+    QVERIFY(popover.isOpen());
+    popover.toggle(m_badge); // Nor is this the window's own doing.
+    popover.toggle(m_badge);
+    QVERIFY(popover.isOpen());
+}
+
+void PopoverTest::openingAnOpenOneChangesNothing() {
+    Popover popover(makeContent());
+    popover.open(m_badge);
+    const QPointer<Content> content = m_content;
+    popover.open(QRect(10, 500, 22, 22));
+    QCOMPARE(m_content, content);
+    QCOMPARE(window()->geometry(), expectedPlace(500));
+    popover.close();
+    popover.close();
+    QVERIFY(!popover.isOpen());
+}
+
+void PopoverTest::onlyThePointersPlaceKeepsClearOfTheIcon() {
+    Popover popover(makeContent());
+    popover.open(QRect(400, 16, 1, 1));
+    QCOMPARE(window()->y(), 28);
+}
+
+void PopoverTest::anUnknownPlaceIsTheCorner() {
+    Popover popover(makeContent());
+    popover.open({});
+    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+    QCOMPARE(window()->geometry(), QRect(area.right() + 1 - contentWidth, area.top(), contentWidth, 500));
+}
+
+void PopoverTest::anUnknownPlaceIsTheLastOne() {
+    Popover popover(makeContent());
+    popover.toggle(m_badge);
+    popover.toggle({});
+    QVERIFY(!popover.isOpen());
+    popover.open({});
+    QCOMPARE(window()->geometry(), expectedPlace(500));
+}
+
+void PopoverTest::itFollowsItsContent() {
+    Popover popover(makeContent());
+    showOpen(popover);
+    for (const int height : {620, 300, 301}) {
+        m_content->setHeight(height);
+        QTRY_COMPARE(window()->geometry(), expectedPlace(height));
+        QTRY_COMPARE(m_content->height(), height);
+    }
+}
+
+void PopoverTest::contentTallerThanTheScreenScrolls() {
+    m_height = 5000;
+    Popover popover(makeContent());
+    showOpen(popover);
+    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto* scroller = window()->findChild<QScrollArea*>();
+    const QScrollBar* bar = scroller->verticalScrollBar();
+    QVERIFY(bar);
+    QVERIFY(area.contains(window()->geometry()));
+    QCOMPARE(window()->height(), area.height());
+    QCOMPARE(window()->width(), contentWidth + bar->sizeHint().width());
+    QCOMPARE(m_content->size(), QSize(contentWidth, 5000));
+    QTRY_VERIFY(bar->isVisible());
+    QTest::keyClick(window()->windowHandle(), Qt::Key_PageDown);
+    QVERIFY(bar->value() > 0);
+}
+
+void PopoverTest::contentThatBecomesTallScrolls() {
+    Popover popover(makeContent());
+    showOpen(popover);
+    const auto* scroller = window()->findChild<QScrollArea*>();
+    QVERIFY(!scroller->verticalScrollBar()->isVisible());
+    m_content->setHeight(5000);
+    QTRY_VERIFY(scroller->verticalScrollBar()->isVisible());
+    QTRY_COMPARE(m_content->size(), QSize(contentWidth, 5000));
+    m_content->setHeight(400);
+    QTRY_COMPARE(window()->geometry(), expectedPlace(400));
+    QTRY_COMPARE(m_content->size(), QSize(contentWidth, 400));
+    QVERIFY(!scroller->verticalScrollBar()->isVisible());
+}
+
+void PopoverTest::contentWhoseHeightGoesByItsWidthIsAsHigh() {
+    const auto wrapped = [] {
+        auto content = std::make_unique<QWidget>();
+        auto* layout = new QVBoxLayout(content.get());
+        auto* row = new QWidget;
+        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+        policy.setHeightForWidth(true);
+        row->setSizePolicy(policy);
+        row->setFixedHeight(77);
+        layout->addWidget(row);
+        layout->setContentsMargins(0, 0, 0, 0);
+        content->setFixedWidth(contentWidth);
+        return content;
+    };
+    Popover popover(wrapped);
+    popover.open(m_badge);
+    QCOMPARE(QApplication::topLevelAt(600, 60)->size(), QSize(contentWidth, 77));
+}
+
+void PopoverTest::theWindowIsATranslucentToolOnTop() {
+    Popover popover(makeContent());
+    popover.open(m_badge);
+    QVERIFY(window()->testAttribute(Qt::WA_TranslucentBackground));
+    QCOMPARE(window()->windowType(), Qt::Tool); // A popup of Qt's would swallow the next click.
+    QVERIFY(window()->windowFlags().testFlag(Qt::FramelessWindowHint));
+    QVERIFY(window()->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+}
+
+void PopoverTest::keysAreTheContents() {
+    Popover popover(makeContent());
+    showOpen(popover);
+    QCOMPARE(QApplication::focusWidget(), m_content.data());
+}
+
+void PopoverTest::twentyOpeningsLeaveNothing() {
+    Popover popover(makeContent());
+    const qsizetype before = QApplication::allWidgets().size();
+    for (int i = 0; i < 20; ++i) {
+        showOpen(popover);
+        const QPointer<QWidget> shown = window();
+        popover.toggle(m_badge);
+        QTRY_VERIFY(!m_content && !shown);
+    }
+    QCOMPARE(QApplication::allWidgets().size(), before);
+    QVERIFY(QGuiApplication::allWindows().isEmpty());
+}
+
+QTEST_MAIN(PopoverTest)
+#include "PopoverTest.moc"
