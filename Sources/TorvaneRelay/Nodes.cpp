@@ -77,8 +77,9 @@ bool Nodes::isLeft(const Node& node) const {
 void Nodes::note(Node& node, const std::exception& failure, int weight) {
     node.trouble = reasonOf(failure);
     const JSONRPCError* error = remoteErrorOf(failure);
-    const bool answersOtherQuestions = error && error->code == unknownMethodCode && weight < detail::wholeFailure;
-    if (!answersOtherQuestions)
+    const bool isUnknown = error && error->code == unknownMethodCode;
+    const bool answersOtherQuestions = isUnknown || dynamic_cast<const NoContract*>(&failure);
+    if (!answersOtherQuestions || weight == detail::wholeFailure)
         node.failures += weight;
 }
 

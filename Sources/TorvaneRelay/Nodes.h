@@ -34,13 +34,20 @@ public:
     const char* what() const noexcept override { return "the contract refused the call"; }
 };
 
+/// The address has no contract. It is the next node's turn, but no reason to think ill of this one: more likely the
+/// table is wrong.
+class NoContract final : public std::exception {
+public:
+    const char* what() const noexcept override { return "there is no such contract"; }
+};
+
 /// One network's nodes for one run. A question goes to them in order until one gives a good answer. A node that failed
 /// twice is not asked again.
 class Nodes final {
 public:
     Nodes(RequestGate& gate, const QStringList& endpoints);
 
-    /// What a good answer must also fulfil; throws DecodingError where it does not.
+    /// What a good answer must also fulfil; throws where it does not.
     template <class Result>
     using Check = std::function<void(const Result&)>;
 

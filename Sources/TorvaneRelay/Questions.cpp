@@ -4,7 +4,11 @@ namespace torvane {
 
 Task<Words> ChainAtBlock::call(ContractCall call) const {
     const CallParams params{call, block};
-    Task<Words> answer = nodes.ask<Words>(QStringLiteral("eth_call"), params);
+    const Nodes::Check<Words> check = [](const Words& words) {
+        if (words.count() == 0)
+            throw NoContract();
+    };
+    Task<Words> answer = nodes.ask<Words>(QStringLiteral("eth_call"), params, check);
     const Words words = co_await answer;
     co_return words;
 }

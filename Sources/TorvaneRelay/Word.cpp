@@ -71,8 +71,6 @@ Words Words::fromText(const QString& text) {
     const std::optional<QByteArray> bytes = bytesFromHex(text);
     if (!bytes)
         throw DecodingError(DecodingError::Cause::corrupted, "not hexadecimal data");
-    if (bytes->isEmpty())
-        throw DecodingError(DecodingError::Cause::corrupted, "no data: there is no such contract");
     if (bytes->size() % Word::size != 0)
         throw DecodingError(DecodingError::Cause::corrupted, "not a whole number of words");
     QList<Word> words;

@@ -51,8 +51,8 @@ public:
     explicit Words(const QList<Word>& words)
         : m_words(words) {}
 
-    /// Throws DecodingError for what is no whole number of words, and for no word at all: so answers an address that
-    /// has no contract.
+    /// Throws DecodingError for what is no whole number of words. None at all is what an address without a contract
+    /// answers.
     static Words fromText(const QString& text);
     QString toText() const;
 

@@ -1,5 +1,6 @@
 #include "Reading.h"
 
+#include "NodeFaults.h"
 #include "ReadingFigures.h"
 #include "StandInWorld.h"
 #include "Support/Await.h"
@@ -15,38 +16,6 @@ using namespace torvane;
 namespace {
 
 constexpr RequestGate::Limits wide{20, 20, 1e6};
-
-QList<std::pair<const char*, StandInAnswer>> faults() {
-    const auto result = [](const QByteArray& value) {
-        return StandInAnswer::ok(R"({"jsonrpc":"2.0","id":1,"result":)" + value + "}");
-    };
-    const QByteArray error = R"({"jsonrpc":"2.0","id":null,"error":{"code":-32005,"message":"slow down","data":{}}})";
-    const StandInAnswer whole = result("\"0x1\"");
-    return {
-        {"busy", StandInAnswer::status(503, "busy")},
-        {"refused by a page", StandInAnswer::status(403, "<!DOCTYPE html><p>Just a moment")},
-        {"too many requests", StandInAnswer::status(429, error)},
-        {"led elsewhere", StandInAnswer::redirect(307, "https://localhost:1/")},
-        {"an error object", StandInAnswer::ok(error)},
-        {"no result", StandInAnswer::ok(R"({"jsonrpc":"2.0","id":1})")},
-        {"result null", result("null")},
-        {"a number", result("7")},
-        {"a negative quantity", result("\"-0xfd\"")},
-        {"no digits", result("\"0x\"")},
-        {"an empty object", result("{}")},
-        {"a list", result("[]")},
-        {"plain text", StandInAnswer::ok("rate limit exceeded")},
-        {"nothing", StandInAnswer::ok("")},
-        {"half an answer", whole.cutShort(20, StandInAnswer::Ending::closeNotify)},
-        {"a reset", whole.cutShortInHead(0, StandInAnswer::Ending::reset)},
-    };
-}
-
-/// One of each kind: by HTTP, by JSON-RPC, by its form, and none.
-QList<std::pair<const char*, StandInAnswer>> kindsOfFaults() {
-    const auto all = faults();
-    return {all[0], all[4], all[7], all[15]};
-}
 
 /// What is missing when this question to Ethereum's only node has no good answer.
 QStringList missingWithout(const QString& question) {
@@ -184,7 +153,7 @@ private Q_SLOTS:
         const RelayTable table = ethereumAlone();
         const Figures good = figuresOf(read(table), table);
         const bool costsAll = missingWithout(question).isEmpty();
-        for (const auto& [name, fault] : faults()) {
+        for (const auto& [name, fault] : NodeFaults::all()) {
             m_world->chain(QStringLiteral("Ethereum")).misbehave(question, fault);
             const Reading reading = read(table);
             const Figures figures = figuresOf(reading, table);
@@ -208,7 +177,7 @@ private Q_SLOTS:
         RelayTable table = ethereumAlone();
         const Figures good = figuresOf(read(table), table);
         table.ethereum.endpoints.append(m_second->table().ethereum.endpoints);
-        for (const auto& [name, fault] : kindsOfFaults()) {
+        for (const auto& [name, fault] : NodeFaults::oneOfEachKind()) {
             m_world->chain(QStringLiteral("Ethereum")).misbehave(question, fault);
             const Figures figures = figuresOf(read(table), table);
             QVERIFY2(differing(good, figures).isEmpty(),
@@ -225,7 +194,7 @@ private Q_SLOTS:
         const Figures good = figuresOf(readRow(network));
         QStringList expected = missingInRowWithout(question);
         expected.removeIf([&good](const QString& name) { return good[name] == QLatin1String("none"); });
-        for (const auto& [name, fault] : faults()) {
+        for (const auto& [name, fault] : NodeFaults::all()) {
             m_world->chain(chain).misbehave(question, fault);
             const NetworkReading reading = readRow(network);
             QVERIFY2(differing(good, figuresOf(reading)) == expected,
@@ -247,7 +216,7 @@ private Q_SLOTS:
         network.endpoints.append(networkNamed(chain, m_second->table()).endpoints);
         const Figures good = figuresOf(readRow(network));
         const bool isGreeting = question == QLatin1String("eth_chainId") || question == QLatin1String("eth_gasPrice");
-        for (const auto& [name, fault] : kindsOfFaults()) {
+        for (const auto& [name, fault] : NodeFaults::oneOfEachKind()) {
             m_world->chain(chain).misbehave(question, fault);
             const NetworkReading reading = readRow(network);
             // velisk is sent only to nodes that answered what it will ask.
@@ -322,6 +291,16 @@ private Q_SLOTS:
                     QStringLiteral("getOperatorFee(uint256)"), QList<Word>());
         const NetworkReading row = readRow(networkNamed(QStringLiteral("Base"), m_world->table()));
         QCOMPARE(*row.transferEther, 1.126e-6);
+    }
+
+    void aContractThatIsNotThereIsNoFaultOfTheNodes() {
+        RelayTable table = ethereumAlone();
+        for (const char* answer : {"totalSupply() of 0xae78", "getExchangeRate() of 0xae78", "totalSupply() of 0xae7a"})
+            m_world->chain(QStringLiteral("Ethereum")).always(QLatin1String(answer), QStringLiteral("0x"));
+        const Reading reading = read(table);
+        QVERIFY(reading.price && reading.gas && reading.poolPrice);
+        QVERIFY(!reading.protocols[0].tokenSupply && !reading.protocols[1].exchangeRate);
+        QCOMPARE(*reading.protocols[2].tokenSupply, 4000.0);
     }
 
     void aNodeThatFailedTwiceIsLeftInPeace() {
