@@ -4,6 +4,7 @@
 # program looks for its relay at localhost:PORT.
 #
 # SHOTS             a folder that keeps the pictures and the relay's own lines
+: "${RIG_PANEL:=mate}" # Its items show the whole figure, and can be read by others.
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
 source "$(dirname "$0")/relay.sh"
@@ -49,10 +50,11 @@ keep "$RIG/document" snapshot.json
 rig_pass "the relay reads the nodes and serves what it wrote"
 
 panel_start
-panel_screenshot "$RIG/empty.png"
+panel_settle
+cp "$RIG/now.png" "$RIG/empty.png"
 program_start "$program_under_test"
 program_wait "the relay's figure" tool_tip_is "13.0 gwei"
-program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 100
+program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 200
 rig_pass "the program trusts its user's relay and shows its figure"
 
 click 1 "$(difference_box "$RIG/empty.png" "$RIG/now.png")"
