@@ -3,71 +3,21 @@
 // answer them on this machine. WakeupsBenchmark [MINUTES [SECONDS BEFORE]]
 // exits with 1 where the bar is missed, with 2 where nothing could be measured
 #include "Comparison.h"
-#include "StandInWatcher.h"
-#include "Support/PrivateBus.h"
-#include "Support/TestFiles.h"
 #include "ThreadSwitches.h"
+#include "rig/Desktop.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <thread>
 
-#include <memory>
-
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-[[noreturn]] void giveUp(const char* why) {
-    std::fprintf(stderr, "%s\n", why);
-    std::exit(2);
-}
-
-/// A program that ends with this.
-class Program final {
-public:
-    Program(const QString& path, const QStringList& arguments, const QProcessEnvironment& environment) {
-        m_process.setProcessEnvironment(environment);
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(path, arguments);
-        if (!m_process.waitForStarted(-1))
-            giveUp(qPrintable(path + " does not start"_L1));
-    }
-
-    ~Program() {
-        m_process.kill();
-        m_process.waitForFinished(-1);
-    }
-
-    QByteArray line() {
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(-1)) {
-        }
-        return m_process.readLine().trimmed();
-    }
-
-    qint64 id() const { return m_process.processId(); }
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
-
-private:
-    QProcess m_process;
-};
-
-void runLoopFor(std::chrono::milliseconds time) {
-    QEventLoop loop;
-    QTimer::singleShot(time, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-void waitForItems(const StandInWatcher& watcher) {
-    for (int tenths = 0; tenths < 600; ++tenths) {
-        if (watcher.items().size() >= 2)
-            return;
-        runLoopFor(100ms);
-    }
-    giveUp("The two programs do not show their items");
+void waitForItems(Desktop& desktop) {
+    for (int missing = 2; missing > 0;)
+        missing -= desktop.nextNews().what == "item";
 }
 
 struct Counts {
@@ -85,28 +35,13 @@ void measureMinute(const Program& ours, const Program& yardstick, Counts& mine, 
     ThreadSwitches oursSwitches(ours.id());
     ThreadSwitches yardstickSwitches(yardstick.id());
     for (int second = 0; second < 59; ++second) {
-        runLoopFor(1s);
+        std::this_thread::sleep_for(1s);
         oursSwitches.update();
         yardstickSwitches.update();
     }
-    runLoopFor(1s);
+    std::this_thread::sleep_for(1s);
     addMinute(oursSwitches, mine);
     addMinute(yardstickSwitches, theirs);
-}
-
-QProcessEnvironment environmentOf(const QString& home, const QString& bus, const QByteArray& display) {
-    torvane::TestFiles::put(home + "/config/velisk/preferences.json"_L1, R"({"liveGasCadence":"Per block"})");
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, bus);
-    environment.insert(u"DISPLAY"_s, QString::fromLatin1(':' + display));
-    environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
-    environment.insert(u"QT_LOGGING_RULES"_s, u"org.velisk.Torvane.net.info=false"_s);
-    environment.insert(u"NO_AT_BRIDGE"_s, u"1"_s);
-    environment.insert(u"XDG_CONFIG_HOME"_s, home + "/config"_L1);
-    environment.insert(u"XDG_CACHE_HOME"_s, home + "/cache"_L1);
-    environment.insert(u"XDG_DATA_HOME"_s, home + "/data"_L1);
-    environment.insert(u"XDG_RUNTIME_DIR"_s, home);
-    return environment;
 }
 
 struct Measured {
@@ -122,15 +57,12 @@ Measured measure(const Program& ours, const Program& yardstick, int minutes) {
 }
 
 /// The figure stays what it is from the next poll on: below the last digit shown, each block's tips may still differ.
-void keepTheFigureStill() {
-    const QStringList arguments{u"--silent"_s,
-                                u"--fail"_s,
-                                u"--cacert"_s,
-                                QStringLiteral(TORVANE_TEST_CERTIFICATES "/ca.pem"),
-                                u"--data"_s,
-                                u"baseFee 8"_s,
-                                QStringLiteral(STAND_IN_ORIGIN "/control")};
-    if (QProcess::execute(u"curl"_s, arguments) != 0)
+void keepTheFigureStill(const Desktop& desktop) {
+    const std::string certificate = TORVANE_TEST_CERTIFICATES "/ca.pem";
+    Program order({"curl", "--silent", "--fail", "--cacert", certificate, "--data", "baseFee 8",
+                   STAND_IN_ORIGIN "/control"},
+                  desktop.environment());
+    if (!order.succeeds())
         giveUp("The stand-in relay does not take orders");
 }
 
@@ -158,32 +90,27 @@ int report(const Measured& still, const Measured& moving) {
     return all.isMet() ? 0 : 1;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    const QCoreApplication application(argc, argv);
-    const int minutes = application.arguments().value(1, u"3"_s).toInt();
-    const std::chrono::seconds before(application.arguments().value(2, u"20"_s).toInt());
-    const QTemporaryDir home;
-    PrivateBus bus;
-    StandInWatcher watcher(bus.connect());
-    if (!watcher.appear())
-        giveUp("The bus (package dbus-daemon) does not answer");
-    const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
-    Program screen(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s, u"-noreset"_s}, own);
-    const QProcessEnvironment environment = environmentOf(home.path(), bus.address(), screen.line());
-    Program servers(QStringLiteral(VELISK_STAND_IN), {}, own);
-    if (servers.line() != "ready")
-        giveUp("The stand-in relay does not start: does another one run?");
-    const Program ours(QStringLiteral(VELISK_DEMO), {}, environment);
-    const Program yardstick(QStringLiteral(COMPOSITE_YARDSTICK), {QStringLiteral(STAND_IN_ORIGIN)}, environment);
-    waitForItems(watcher);
-    runLoopFor(before);
+int measureBoth(int minutes, std::chrono::seconds before) {
+    Desktop desktop;
+    std::ofstream(desktop.config() / "preferences.json") << R"({"liveGasCadence":"Per block"})";
+    desktop.populate();
+    Program ours({VELISK_DEMO}, desktop.environment());
+    Program yardstick({COMPOSITE_YARDSTICK, STAND_IN_ORIGIN}, desktop.environment());
+    waitForItems(desktop);
+    std::this_thread::sleep_for(before);
     const Measured moving = measure(ours, yardstick, minutes);
-    keepTheFigureStill();
-    runLoopFor(before + 1min); // The document that says so has been fetched by then.
+    keepTheFigureStill(desktop);
+    std::this_thread::sleep_for(before + 1min); // The document that says so has been fetched by then.
     const Measured still = measure(ours, yardstick, minutes);
     if (!ours.isRunning() || !yardstick.isRunning())
         giveUp("One of the programs ended");
     return report(still, moving);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int minutes = argc > 1 ? std::atoi(argv[1]) : 3;
+    const std::chrono::seconds before(argc > 2 ? std::atoi(argv[2]) : 20);
+    return outcome([minutes, before] { return measureBoth(minutes, before); });
 }

@@ -56,6 +56,11 @@ void Popover::close() {
     window->deleteLater();
 }
 
+void Popover::rehearse() const {
+    if (!isOpen())
+        m_makeContent();
+}
+
 void Popover::ended(PopoverEnd end) {
     if (end == PopoverEnd::foreignWindow)
         m_answeredUntil = QDeadlineTimer(m_patience);

@@ -34,6 +34,10 @@ public:
 
     void close();
 
+    /// Makes a content once and discards it, unseen: what that loads, fonts above all, the first click does not wait
+    /// for.
+    void rehearse() const;
+
 private:
     void ended(PopoverEnd end);
 

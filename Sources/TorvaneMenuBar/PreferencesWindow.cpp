@@ -3,8 +3,8 @@
 #include "Views/SymbolTile.h"
 
 #include <QIcon>
+#include <QKeyEvent>
 #include <QPixmap>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -41,8 +41,15 @@ PreferencesWindow::PreferencesWindow(SnapshotStore& store, AppSettings& settings
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(new PreferencesView(store, settings, updater));
-    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)})
-        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+}
+
+/// Not by shortcuts: they would act while the picker's list is open, whose Escape closes it alone.
+void PreferencesWindow::keyPressEvent(QKeyEvent* event) {
+    const bool closes = event->matches(QKeySequence::Cancel) || event->keyCombination() == (Qt::CTRL | Qt::Key_W);
+    if (closes)
+        close();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void PreferencesWindow::bringToFront() {

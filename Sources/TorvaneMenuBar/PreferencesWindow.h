@@ -18,6 +18,9 @@ public:
 
     /// Shows the window in front of the others and gives it the keyboard.
     void bringToFront();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 /// At most one such window.

@@ -13,6 +13,9 @@ namespace torvane {
 
 namespace {
 
+/// By then the badge is in the panel and the first figures are there.
+constexpr std::chrono::seconds rehearsalDelay{1};
+
 using namespace std::chrono_literals;
 
 /// At login, panels take some seconds to appear.
@@ -36,6 +39,7 @@ TorvaneApp::TorvaneApp()
     GasNotifier::requestAuthorization();
     QMetaObject::invokeMethod(
         this, [this] { m_store.start(); }, Qt::QueuedConnection);
+    QTimer::singleShot(rehearsalDelay, &m_popover, &Popover::rehearse);
 }
 
 void TorvaneApp::comeForward() {

@@ -75,8 +75,10 @@ for step in 'velisk/preferences\.json' 'velisk/cachedSnapshot' GetServerInformat
 done
 rig_pass "it reads settings, then the cache, then wakes the notifications' service, and only then the network is used"
 
+screenshot "$RIG/closed.png"
 launch_again 0
 program_wait "the popover" popover_is_open
+program_wait "the popover's figures" screen_differs "$RIG/closed.png" 100000
 keep second-launch.png
 [ -z "$(windows_in_taskbar)" ] || rig_fail "the popover is in the taskbar"
 xdotool key Escape

@@ -12,6 +12,7 @@
 # RIG_PREPARE       a file that is sourced inside before the script goes on: it starts or lays down what the program
 #                   under test needs besides; its background jobs end with the script
 # RIG_KEEP          a file for a picture of the screen at a failure
+# RIG_SESSION_LIMIT seconds that the whole script may take (900)
 
 set -euo pipefail
 
@@ -45,7 +46,7 @@ rig_enter() {
     # The display's number is complete with its line's end.
     rig_wait "the X server" grep -q . "$RIG/display"
     local result=0
-    DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 900 dbus-run-session -- "$0" "$@" || result=$?
+    DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 "${RIG_SESSION_LIMIT:-900}" dbus-run-session -- "$0" "$@" || result=$?
     exit "$result"
 }
 

@@ -1,7 +1,5 @@
 #include "Badge/BadgeDrawing.h"
 
-#include "Badge/FigureOutline.h"
-
 #include <QFontDatabase>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -87,7 +85,7 @@ private Q_SLOTS:
         QFETCH(QString, figure);
         for (const int size : sizes) {
             for (const bool hasPlate : {false, true}) {
-                const SquareLayout layout = squareLayout(picture(figure), size, hasPlate);
+                const SquareLayout layout = squareLayout(outlineOf(figure), size, hasPlate);
                 const QRectF bounds = layout.figure.boundingRect();
                 QVERIFY(!layout.figure.isEmpty());
                 QVERIFY(bounds.left() > -0.01 && bounds.right() < size + 0.01 && bounds.bottom() < size + 0.5);
@@ -118,7 +116,7 @@ private Q_SLOTS:
         QFETCH(QString, figure);
         for (const int size : sizes) {
             QCOMPARE(squareBadge(picture(figure), white, size), squareBadge(picture({}), white, size));
-            QCOMPARE(squareLayout(picture(figure), size, false).mark, QRect(0, 0, size, size));
+            QCOMPARE(squareLayout(outlineOf(figure), size, false).mark, QRect(0, 0, size, size));
         }
     }
 

@@ -66,14 +66,17 @@ private Q_SLOTS:
         row("xfce with a figure", {PanelKind::xfce, true}, SurfaceKind::trayWindow);
         row("xfce without one", {PanelKind::xfce, true, false}, SurfaceKind::symbolic);
         row("xfce without a tray", {PanelKind::xfce, false}, SurfaceKind::symbolic);
-        row("xfce whose tray may yet come", {PanelKind::xfce, false, true, false}, SurfaceKind::none);
-        row("xfce without a figure waits for no tray", {PanelKind::xfce, false, false, false}, SurfaceKind::symbolic);
+        row("xfce whose tray may yet come", {PanelKind::xfce, false, true, true, false}, SurfaceKind::none);
+        row("xfce without a figure waits for no tray", {PanelKind::xfce, false, false, true, false},
+            SurfaceKind::symbolic);
         row("Plasma", {PanelKind::plasma, true}, SurfaceKind::symbolic);
+        row("Plasma's service alone", {PanelKind::plasma, false, true, false}, SurfaceKind::symbolic);
+        row("Plasma's service beside a tray", {PanelKind::plasma, true, true, false}, SurfaceKind::trayWindow);
         row("swaybar", {PanelKind::swaybar}, SurfaceKind::square);
         row("any other", {PanelKind::other, true}, SurfaceKind::square);
         row("a tray alone", {std::nullopt, true}, SurfaceKind::trayWindow);
         row("a tray alone without a figure", {std::nullopt, true, false}, SurfaceKind::trayWindow);
-        row("a tray whose panel may yet come", {std::nullopt, true, true, false}, SurfaceKind::none);
+        row("a tray whose panel may yet come", {std::nullopt, true, true, true, false}, SurfaceKind::none);
         row("nothing", {std::nullopt, false}, SurfaceKind::none);
     }
 

@@ -58,6 +58,7 @@ class PopoverTest final : public QObject {
 private Q_SLOTS:
     void init() { m_height = 500; }
     void nothingExistsBeforeTheFirstClick();
+    void aRehearsalLeavesNothing();
     void aClickOpensItAtTheBadge();
     void theNextClickClosesAndDiscardsIt();
     void escapeClosesIt();
@@ -97,6 +98,22 @@ void PopoverTest::nothingExistsBeforeTheFirstClick() {
     const Popover popover(makeContent());
     QVERIFY(!popover.isOpen());
     QVERIFY(!m_content);
+}
+
+void PopoverTest::aRehearsalLeavesNothing() {
+    int made = 0;
+    Popover popover([&] {
+        ++made;
+        return makeContent()();
+    });
+    popover.rehearse();
+    QCOMPARE(made, 1);
+    QVERIFY(!popover.isOpen() && !m_content);
+    popover.open(m_badge);
+    const QPointer<Content> content = m_content;
+    popover.rehearse();
+    QCOMPARE(made, 2); // The open one has loaded everything.
+    QVERIFY(popover.isOpen() && content);
 }
 
 void PopoverTest::aClickOpensItAtTheBadge() {

@@ -1,9 +1,12 @@
 #include "PreferencesWindow.h"
 
 #include "TorvaneKitTests/Views/PreferencesFixture.h"
+#include "Views/ChainPicker.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QSignalSpy>
+#include <QWindow>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -104,6 +107,22 @@ private Q_SLOTS:
         QFETCH(const QKeySequence, keys);
         open();
         QTest::keySequence(m_preferences->window(), keys);
+        QTRY_VERIFY_WITH_TIMEOUT(isClosed(), limitMs);
+    }
+
+    void escapeClosesTheOpenListFirst() {
+        m_user->store->snapshot = PreferencesFixture::snapshot();
+        open();
+        go(Section::menuBar);
+        auto* picker = view()->findChild<ChainPicker*>();
+        QTest::mouseClick(picker, Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(picker->view()->isVisible(), limitMs);
+        // As from the keyboard: to whichever window has it.
+        QTest::keyClick(picker->view()->window()->windowHandle(), Qt::Key_Escape);
+        QTRY_VERIFY_WITH_TIMEOUT(!picker->view()->isVisible(), limitMs);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!isClosed());
+        QTest::keyClick(m_preferences->window()->windowHandle(), Qt::Key_Escape);
         QTRY_VERIFY_WITH_TIMEOUT(isClosed(), limitMs);
     }
 

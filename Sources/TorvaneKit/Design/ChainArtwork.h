@@ -32,13 +32,14 @@ inline constexpr QStringView robinhoodFeather =
     u"M5.6 21.6C5.2 13.2 8.2 5.9 14.6 2.8L19 2.2C19.8 6 19.2 8.9 17.6 11.3L14.2 11.6L16.4 13C14.8 15.5 12.8 16.8 9.9 17"
     "C10.8 13.2 12.5 9.6 15.4 5.4C11.2 9 8.6 13.2 7.9 18.2C7.6 19.4 7.4 20.5 7.4 21.6Z";
 
-/// Two half arrows that pass each other; either is the other turned by half a circle.
-inline constexpr QStringView zkSyncLeft = u"M1.7 11.2L9.2 4.2V7.2H17.3L9.2 13.2V11.2Z";
-inline constexpr QStringView zkSyncRight = u"M22.3 12.8L14.8 19.8V16.8H6.7L14.8 10.8V12.8Z";
+/// Two arrows that point away from each other, each with the other's shaft beside its own; either is the other turned by
+/// half a circle.
+inline constexpr QStringView zkSyncLeft = u"M1.6 12L8 5.6V8.8H14.8L8 13.9V18.4Z";
+inline constexpr QStringView zkSyncRight = u"M22.4 12L16 18.4V15.2H9.2L16 10.1V5.6Z";
 
-/// A star of four blunt rays, its sides quarter circles.
+/// A cross; a quarter circle fills it out at upper right and at lower left. Its bars are one whole pixel wide at 15.
 inline constexpr QStringView unichain =
-    u"M11 2.6H13A8.4 8.4 0 0 0 21.4 11V13A8.4 8.4 0 0 0 13 21.4H11A8.4 8.4 0 0 0 2.6 13V11A8.4 8.4 0 0 0 11 2.6Z";
+    u"M11.2 1.6H12.8A9.6 9.6 0 0 0 22.4 11.2V12.8H12.8V22.4H11.2A9.6 9.6 0 0 0 1.6 12.8V11.2H11.2Z";
 
 /// A sheet that is rolled up at its top left and at its foot.
 inline constexpr QStringView scrollCurl = u"M4.9 3.2A2.5 2.5 0 0 1 7.4 5.7V9.2H2.4V5.7A2.5 2.5 0 0 1 4.9 3.2Z";

@@ -101,7 +101,7 @@ void VisualEffect::setBlendingMode(BlendingMode mode) {
 
 void VisualEffect::adapt() {
     m_look = backdropLook(m_blendingMode, X11::isRunning(), X11::compositing());
-    if (m_blendingMode == BlendingMode::behindWindow)
+    if (m_blendingMode == BlendingMode::behindWindow && !m_look.isCutOut)
         window()->setAttribute(Qt::WA_TranslucentBackground);
     shapeWindow();
     update();

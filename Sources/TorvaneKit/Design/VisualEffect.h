@@ -30,7 +30,8 @@ BackdropLook backdropLook(BlendingMode mode, bool isX11, const X11::Compositing&
 /// A backdrop behind a window's content. Its look does not depend on whether the window is active.
 class VisualEffect final : public QWidget {
 public:
-    /// A backdrop that lets through what lies behind makes its window translucent: before the window is first shown.
+    /// A backdrop that lets through what lies behind makes its window translucent, where that shows: before the window
+    /// is first shown.
     VisualEffect(Material material, BlendingMode blendingMode, QWidget* parent);
 
     Material material() const { return m_material; }

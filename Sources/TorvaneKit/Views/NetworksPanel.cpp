@@ -44,6 +44,8 @@ void NetworksPanel::fill() {
     const QFont body = Fonts::sans(13, QFont::Normal);
     m_content = m_names ? list() : new TextLabel(u"Waiting for the first snapshot…"_s, body, Palette::ink3);
     layout()->addWidget(m_content);
+    if (isVisible())
+        m_content->show(); // Now: shown later, it would have no height for a moment, and the panel would scroll away.
     for (Switch* network : m_content->findChildren<Switch*>()) {
         if (!focused.isNull() && network->accessibleName() == focused)
             network->setFocus(Qt::OtherFocusReason);

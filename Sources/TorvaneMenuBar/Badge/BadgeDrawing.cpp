@@ -1,6 +1,5 @@
 #include "Badge/BadgeDrawing.h"
 
-#include "Badge/FigureOutline.h"
 #include "Design/Artwork.h"
 #include "Design/ChainGlyph.h"
 #include "Design/DesignSystem.h"
@@ -89,6 +88,26 @@ QPainterPath markPath(const MenuBarBadgeIcon& icon) {
     return whole;
 }
 
+FigureOutline outlineOf(const BadgePicture& picture) {
+    if (picture.figure.isEmpty())
+        return {}; // Fonts need not be loaded for none.
+    return figureOutline(picture.figure, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+}
+
+QImage square(const BadgePicture& picture, const BadgeInk& ink, int size, const FigureOutline& outline) {
+    QImage image = canvas({size, size});
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    SquareLayout layout = squareLayout(outline, size, ink.plate.has_value());
+    if (hasPlate(picture, ink, !layout.figure.isEmpty()))
+        drawPlate(painter, ink, image.size());
+    else if (ink.plate)
+        layout = squareLayout(outline, size, false);
+    drawMark(painter, picture, ink, layout.mark);
+    painter.fillPath(layout.figure, ink.color);
+    return image;
+}
+
 QFont wideFont(double scale) {
     QFont font = Fonts::mono(MenuBarLabel::fontSize * scale, QFont::Medium);
     // What lies behind is not known, so that subpixels cannot be blended with it.
@@ -136,12 +155,9 @@ QString shape(const QPainterPath& path) {
 
 } // namespace
 
-SquareLayout squareLayout(const BadgePicture& picture, int size, bool hasPlate) {
+SquareLayout squareLayout(const FigureOutline& outline, int size, bool hasPlate) {
     // Without a plate, round digits still reach a little below the line that they stand on.
     const int margin = hasPlate ? std::max(1, static_cast<int>(std::lround(size / 22.0))) : size / 44;
-    const FigureOutline outline =
-        picture.figure.isEmpty() ? FigureOutline() // Fonts need not be loaded for none.
-                                 : figureOutline(picture.figure, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
     const QPainterPath figure = placed(outline, size, margin);
     if (figure.isEmpty()) {
         const int inset = hasPlate ? margin : 0; // It has padding of its own.
@@ -155,23 +171,14 @@ SquareLayout squareLayout(const BadgePicture& picture, int size, bool hasPlate) 
 }
 
 QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size) {
-    QImage image = canvas({size, size});
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    SquareLayout layout = squareLayout(picture, size, ink.plate.has_value());
-    if (hasPlate(picture, ink, !layout.figure.isEmpty()))
-        drawPlate(painter, ink, image.size());
-    else if (ink.plate)
-        layout = squareLayout(picture, size, false);
-    drawMark(painter, picture, ink, layout.mark);
-    painter.fillPath(layout.figure, ink.color);
-    return image;
+    return square(picture, ink, size, outlineOf(picture));
 }
 
 QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink) {
+    const FigureOutline outline = outlineOf(picture);
     QList<QImage> images;
     for (const int size : iconSizes)
-        images.append(squareBadge(picture, ink, size));
+        images.append(square(picture, ink, size, outline));
     return images;
 }
 
@@ -203,7 +210,7 @@ QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale)
 
 QByteArray symbolicBadge(const BadgePicture& picture, const QColor& color) {
     constexpr int side = 2 * badgePoints; // Of whole numbers, upon which the figure stands.
-    const SquareLayout layout = squareLayout(picture, side, false);
+    const SquareLayout layout = squareLayout(outlineOf(picture), side, false);
     QTransform place;
     place.translate(layout.mark.x(), layout.mark.y());
     place.scale(layout.mark.width() / double(badgePoints), layout.mark.height() / double(badgePoints));

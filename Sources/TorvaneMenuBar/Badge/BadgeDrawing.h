@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Badge/BadgeSurface.h"
+#include "Badge/FigureOutline.h"
 
 #include <QImage>
 #include <QList>
-#include <QPainterPath>
 
 namespace torvane {
 
@@ -15,7 +15,7 @@ struct SquareLayout {
     QPainterPath figure;
 };
 
-SquareLayout squareLayout(const BadgePicture& picture, int size, bool hasPlate);
+SquareLayout squareLayout(const FigureOutline& figure, int size, bool hasPlate);
 
 /// A square badge of `size` pixels: the mark above, the figure below it.
 QImage squareBadge(const BadgePicture& picture, const BadgeInk& ink, int size);

@@ -17,22 +17,29 @@ namespace torvane {
 namespace {
 
 constexpr auto panelService = "org.kde.StatusNotifierWatcher"_L1;
+constexpr auto panelPath = "/StatusNotifierWatcher"_L1;
 constexpr auto busService = "org.freedesktop.DBus"_L1;
 
 /// A panel brings its tray and its notifier items up one after the other.
 constexpr int settlingMs = 1000;
 
-/// Asks the bus itself, and answers from the loop: with an invalid reply when it knows nothing.
+/// Answers from the loop, with an invalid reply when there was an error.
+template <class Value, class Receiver>
+void answerFrom(const QDBusPendingCall& call, QObject* context, Receiver receiver) {
+    auto* watcher = new QDBusPendingCallWatcher(call, context);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, receiver] {
+        watcher->deleteLater();
+        receiver(QDBusPendingReply<Value>(*watcher));
+    });
+}
+
+/// Asks the bus itself.
 template <class Value, class Receiver>
 void askBus(const QDBusConnection& bus, QLatin1StringView method, const QString& argument, QObject* context,
             Receiver receiver) {
     QDBusMessage call = QDBusMessage::createMethodCall(busService, u"/org/freedesktop/DBus"_s, busService, method);
     call.setArguments({argument});
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), context);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, receiver] {
-        watcher->deleteLater();
-        receiver(QDBusPendingReply<Value>(*watcher));
-    });
+    answerFrom<Value>(bus.asyncCall(call), context, receiver);
 }
 
 } // namespace
@@ -53,6 +60,9 @@ BadgeHost::BadgeHost(const QDBusConnection& bus, ProcessLookup lookup)
     connect(&m_panels, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) { panelChanged(owner); });
     m_panels.addWatchedService(panelService);
+    // By path, not by the service's name: for a name Qt asks for the owner, and waits.
+    for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
+        m_bus.connect(QString(), panelPath, panelService, QLatin1StringView(name), this, SLOT(askForHost()));
     askBus<QString>(m_bus, "GetNameOwner"_L1, panelService, this, [this](const QDBusPendingReply<QString>& reply) {
         if (reply.isValid() && m_owner.isEmpty())
             panelChanged(reply.value());
@@ -89,10 +99,33 @@ void BadgeHost::askForProcess() {
     const auto received = [this, asked = m_owner](const QDBusPendingReply<uint>& reply) {
         if (asked != m_owner)
             return; // A panel that has gone in the meantime.
-        m_panel = panelKind(reply.isValid() ? m_lookup(reply.value()) : PanelProcess());
-        choose();
+        processKnown(reply.isValid() ? m_lookup(reply.value()) : PanelProcess());
     };
     askBus<uint>(m_bus, "GetConnectionUnixProcessID"_L1, m_owner, this, received);
+}
+
+void BadgeHost::processKnown(const PanelProcess& process) {
+    m_panel = panelKind(process);
+    m_hasHost = true;
+    if (m_panel == PanelKind::plasma)
+        askForHost();
+    choose();
+}
+
+/// Only Plasma's service is there without anybody to show its items; others need not be asked.
+void BadgeHost::askForHost() {
+    if (m_panel != PanelKind::plasma)
+        return;
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(m_owner, QString(panelPath), u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    call.setArguments({QString(panelService), u"IsStatusNotifierHostRegistered"_s});
+    const auto received = [this, asked = m_owner](const QDBusPendingReply<QDBusVariant>& reply) {
+        if (asked != m_owner || !m_panel)
+            return;
+        m_hasHost = !reply.isValid() || reply.value().variant() != QVariant(false);
+        choose();
+    };
+    answerFrom<QDBusVariant>(m_bus.asyncCall(call), this, received);
 }
 
 void BadgeHost::unsettle() {
@@ -111,7 +144,7 @@ void BadgeHost::choose() {
     if (!m_owner.isEmpty() && !m_panel)
         return; // Which panel it is will be known in a moment.
     const SurfaceKind kind =
-        surfaceKind({m_panel, m_tray.isPresent(), m_look.picture.wantsFigure, !m_settling.isActive()});
+        surfaceKind({m_panel, m_tray.isPresent(), m_look.picture.wantsFigure, m_hasHost, !m_settling.isActive()});
     if (kind != m_kind)
         replaceSurface(kind);
 }

@@ -44,9 +44,13 @@ Q_SIGNALS:
     void commandChosen(BadgeCommand command);
     void surfaceChanged();
 
+private Q_SLOTS:
+    void askForHost();
+
 private:
     void panelChanged(const QString& owner);
     void askForProcess();
+    void processKnown(const PanelProcess& process);
     void unsettle();
     void choose();
     void trayChanged();
@@ -63,6 +67,7 @@ private:
     QTimer m_settling;
     QString m_owner;                  // The panel's connection; empty without one.
     std::optional<PanelKind> m_panel; // None until its process is known.
+    bool m_hasHost = true;
     std::optional<Appearance> m_preference;
     BadgeLook m_look;
     SurfaceKind m_kind = SurfaceKind::none;

@@ -65,7 +65,8 @@ SurfaceKind surfaceKind(const PanelSurroundings& around) {
             return SurfaceKind::trayWindow;
         return around.wantsFigure && !around.hasSettled ? SurfaceKind::none : SurfaceKind::symbolic;
     case PanelKind::plasma:
-        return SurfaceKind::symbolic;
+        // Its service collects items on other desktops too, for as long as some program of Plasma's is there.
+        return around.hasHost || !around.hasTray ? SurfaceKind::symbolic : SurfaceKind::trayWindow;
     case PanelKind::swaybar:
     case PanelKind::other:
         return SurfaceKind::square;

@@ -35,6 +35,7 @@ struct PanelSurroundings {
     std::optional<PanelKind> panel; ///< of status notifier items
     bool hasTray = false;           ///< of an X display
     bool wantsFigure = true;
+    bool hasHost = true;    ///< whether the panel says that somebody shows its items
     bool hasSettled = true; ///< false for a moment after a change: what comes up together does so one by one
 };
 

@@ -9,6 +9,7 @@
 #include "Views/TextLabel.h"
 
 #include <QScrollArea>
+#include <QScrollBar>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -118,6 +119,20 @@ private Q_SLOTS:
         m_user->control<Switch>(u"Linea"_s)->setFocus(Qt::TabFocusReason);
         m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Newcomer"_s, u"Linea"_s});
         QVERIFY(m_user->control<Switch>(u"Linea"_s)->hasFocus());
+    }
+
+    void thePanelStaysWhereItIsScrolledToWhenNetworksCome() {
+        QStringList names;
+        for (int i = 0; i < 60; ++i)
+            names.append(u"Network %1"_s.arg(i));
+        m_user->store->snapshot = PreferencesFixture::snapshotOf(names);
+        m_user->open(Section::networks);
+        const auto* area = m_user->view->findChild<QScrollArea*>();
+        area->verticalScrollBar()->setValue(700);
+        QCOMPARE(area->verticalScrollBar()->value(), 700);
+        m_user->store->snapshot = PreferencesFixture::snapshotOf(names << u"Newcomer"_s);
+        QCoreApplication::processEvents();
+        QCOMPARE(area->verticalScrollBar()->value(), 700);
     }
 
     void thePanelScrollsToWhatTheKeyboardReaches() {

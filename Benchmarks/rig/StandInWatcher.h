@@ -21,6 +21,9 @@ public:
     /// False when the bus did not agree.
     bool appear();
 
+    /// Activates the item that registered last, as a click does.
+    void click();
+
     /// The bus names of the items that have registered.
     const QStringList& items() const { return m_items; }
 
@@ -28,9 +31,14 @@ public:
 
     int protocolVersion() const { return 0; }
 
+Q_SIGNALS:
+    void registered(const QString& item);
+    void nameTaken(const QString& name);
+
 public Q_SLOTS:
     Q_SCRIPTABLE void RegisterStatusNotifierItem(const QString& service);
     void readAgain(const QDBusMessage& changed);
+    void nameChanged(const QString& name, const QString& before, const QString& owner);
 
 private:
     void read(const QString& item);

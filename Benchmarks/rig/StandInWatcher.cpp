@@ -1,4 +1,4 @@
-#include "StandInWatcher.h"
+#include "rig/StandInWatcher.h"
 
 #include <QDBusPendingCall>
 
@@ -7,6 +7,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto itemInterface = "org.kde.StatusNotifierItem"_L1;
+constexpr auto itemPath = "/StatusNotifierItem"_L1;
+constexpr auto busService = "org.freedesktop.DBus"_L1;
 
 } // namespace
 
@@ -18,10 +20,24 @@ StandInWatcher::StandInWatcher(QDBusConnection connection)
 }
 
 bool StandInWatcher::appear() {
+    m_connection.connect(busService, u"/org/freedesktop/DBus"_s, busService, u"NameOwnerChanged"_s, this,
+                         SLOT(nameChanged(QString, QString, QString)));
     return m_connection.registerService(u"org.kde.StatusNotifierWatcher"_s);
 }
 
+void StandInWatcher::click() {
+    QDBusMessage call = QDBusMessage::createMethodCall(m_items.constLast(), itemPath, itemInterface, u"Activate"_s);
+    call.setArguments({0, 0});
+    m_connection.asyncCall(call);
+}
+
+void StandInWatcher::nameChanged(const QString& name, const QString& before, const QString&) {
+    if (before.isEmpty())
+        Q_EMIT nameTaken(name);
+}
+
 void StandInWatcher::RegisterStatusNotifierItem(const QString&) {
+    Q_EMIT registered(message().service());
     m_items.append(message().service());
     read(message().service());
 }
@@ -31,8 +47,8 @@ void StandInWatcher::readAgain(const QDBusMessage& changed) {
 }
 
 void StandInWatcher::read(const QString& item) {
-    QDBusMessage call = QDBusMessage::createMethodCall(item, u"/StatusNotifierItem"_s,
-                                                       u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s);
+    QDBusMessage call = QDBusMessage::createMethodCall(item, itemPath, u"org.freedesktop.DBus.Properties"_s,
+                                                       u"GetAll"_s);
     call.setArguments({QString(itemInterface)});
     m_connection.asyncCall(call);
 }
