@@ -46,12 +46,14 @@ L2Entry networkRow(const RelayTable::Network& network, const NetworkReading& rea
     row.costGwei = reading.priceGwei;
     if (reading.transferEther)
         row.costUsd = *reading.transferEther * ethPrice;
-    row.status =
-        congestion(reading.priceGwei, earlier ? earlier->row.history.value_or(QList<double>()) : QList<double>());
-    if (const std::optional<Series> series = continued(earlier, reading.priceGwei, minutesBetweenRuns)) {
+    const std::optional<Series> series = continued(earlier, reading.priceGwei, minutesBetweenRuns);
+    if (series) {
         row.history = series->points;
         row.historyWindowMinutes = series->windowMinutes;
     }
+    // A series that starts anew has nothing to be compared with.
+    const std::optional<QList<double>> usual = series ? earlier->row.history : std::nullopt;
+    row.status = congestion(reading.priceGwei, usual.value_or(QList<double>()));
     if (!reading.endpoints.isEmpty())
         row.rpc = reading.endpoints;
     row.blockTimeSec = reading.blockSeconds;

@@ -13,7 +13,9 @@ namespace torvane {
 
 namespace {
 
-constexpr double secondsAfterFailure = 60; // A network that was away comes back soon.
+using std::chrono::milliseconds;
+
+constexpr milliseconds afterFailure = std::chrono::minutes(1); // A network that was away comes back soon.
 
 /// Beside the certificate, unless another place is wanted.
 QString documentPath(const Options& options) {
@@ -27,7 +29,7 @@ QString documentPath(const Options& options) {
 LocalService::LocalService(const RelayTable& table, const Options& options, const Relay::Say& say)
     : m_relay(table, documentPath(options), say)
     , m_server(ServerCertificate::at(Config::trustAnchorPath(), options.host), options.host, options.port)
-    , m_secondsBetweenRuns(table.minutesBetweenRuns * 60) {
+    , m_betweenRuns(static_cast<qint64>(table.minutesBetweenRuns * 60'000)) {
     QUrl address = Config::snapshotURL();
     address.setHost(options.host);
     address.setPort(m_server.port());
@@ -46,20 +48,14 @@ void LocalService::serveEarlier(const QString& document) {
 }
 
 /// Runs keep their distance from start to start, since histories take their points for equally far apart.
-void LocalService::scheduleNext(bool isWritten) {
-    const double pause = isWritten ? m_secondsBetweenRuns : std::min(secondsAfterFailure, m_secondsBetweenRuns);
-    m_timer.start(std::chrono::milliseconds(static_cast<qint64>(pause * 1000)));
-}
-
 Task<> LocalService::run() {
-    scheduleNext(false);
-    const QDeadlineTimer next(static_cast<qint64>(m_secondsBetweenRuns * 1000));
+    const QDeadlineTimer next(m_betweenRuns);
     Task<std::optional<QByteArray>> relaying = m_relay.run();
     const std::optional<QByteArray> document = co_await relaying;
-    if (!document)
-        co_return;
-    m_server.serve(*document);
-    m_timer.start(std::max(std::chrono::milliseconds(1), std::chrono::milliseconds(next.remainingTime())));
+    if (document)
+        m_server.serve(*document);
+    const milliseconds rest(next.remainingTime());
+    m_timer.start(document ? rest : std::min(afterFailure, m_betweenRuns));
 }
 
 } // namespace torvane

@@ -6,6 +6,8 @@
 
 #include <QTimer>
 
+#include <chrono>
+
 namespace torvane {
 
 /// A relay for one person's own machine: a run every few minutes, and its document over HTTPS.
@@ -16,12 +18,11 @@ public:
 
 private:
     void serveEarlier(const QString& document);
-    void scheduleNext(bool isWritten);
     Task<> run();
 
     Relay m_relay;
     SnapshotServer m_server;
-    double m_secondsBetweenRuns;
+    std::chrono::milliseconds m_betweenRuns;
     QTimer m_timer;
     TaskScope m_runs;
 };

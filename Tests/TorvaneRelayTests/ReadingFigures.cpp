@@ -1,5 +1,7 @@
 #include "ReadingFigures.h"
 
+#include <QHash>
+
 namespace torvane {
 
 namespace {
@@ -55,6 +57,39 @@ QStringList differing(const Figures& first, const Figures& second) {
             names.append(name);
     }
     return names;
+}
+
+QStringList missingWithout(const QString& question) {
+    const QStringList price{QStringLiteral("change"), QStringLiteral("ether")};
+    const QStringList gas{QStringLiteral("average"), QStringLiteral("base fee"), QStringLiteral("high"),
+                          QStringLiteral("low")};
+    const QString name = question.section(QLatin1Char('('), 0, 0).section(QLatin1Char(' '), 0, 0);
+    static const QHash<QString, QString> tokens{
+        {QStringLiteral("totalSupply() of 0xae78"), QStringLiteral("rETH supply")},
+        {QStringLiteral("getExchangeRate() of 0xae78"), QStringLiteral("rETH rate")},
+        {QStringLiteral("totalSupply() of 0xae7a"), QStringLiteral("stETH supply")},
+        {QStringLiteral("totalSupply() of 0xd5F7"), QStringLiteral("mETH supply")},
+        {QStringLiteral("mETHToETH(uint256) of 0xe3cB"), QStringLiteral("mETH rate")}};
+    if (tokens.contains(question))
+        return QStringList{tokens[question].section(QLatin1Char(' '), 0, 0) + QStringLiteral(" ether"),
+                           tokens[question]};
+    if (name == QLatin1String("decimals") || name.endsWith(QLatin1String("RoundData")))
+        return price;
+    if (name == QLatin1String("observe"))
+        return {QStringLiteral("pool")};
+    if (question == QLatin1String("eth_feeHistory earlier"))
+        return {QStringLiteral("points")};
+    if (question == QLatin1String("eth_feeHistory latest"))
+        return gas;
+    return {}; // Without a chain or a block there is nothing at all.
+}
+
+QStringList missingInRowWithout(const QString& question) {
+    if (question.contains(QLatin1String("earlier")) || question == QLatin1String("eth_getBlockByNumber latest"))
+        return {QStringLiteral("seconds")};
+    if (question.contains(QLatin1String("estimateGas")) || question.startsWith(QLatin1String("get")))
+        return {QStringLiteral("cost")};
+    return {QStringLiteral("cost"), QStringLiteral("endpoints"), QStringLiteral("price"), QStringLiteral("seconds")};
 }
 
 } // namespace torvane

@@ -18,4 +18,10 @@ Figures figuresOf(const NetworkReading& reading);
 /// The names of the figures that differ.
 QStringList differing(const Figures& first, const Figures& second);
 
+/// What is missing when this question to Ethereum's only node has no good answer; empty where all of it is.
+QStringList missingWithout(const QString& question);
+
+/// The same for the row of a network that has one node.
+QStringList missingInRowWithout(const QString& question);
+
 } // namespace torvane

@@ -17,41 +17,6 @@ namespace {
 
 constexpr RequestGate::Limits wide{20, 20, 1e6};
 
-/// What is missing when this question to Ethereum's only node has no good answer.
-QStringList missingWithout(const QString& question) {
-    const QStringList price{QStringLiteral("change"), QStringLiteral("ether")};
-    const QStringList gas{QStringLiteral("average"), QStringLiteral("base fee"), QStringLiteral("high"),
-                          QStringLiteral("low")};
-    const QString name = question.section(QLatin1Char('('), 0, 0).section(QLatin1Char(' '), 0, 0);
-    static const QHash<QString, QString> tokens{
-        {QStringLiteral("totalSupply() of 0xae78"), QStringLiteral("rETH supply")},
-        {QStringLiteral("getExchangeRate() of 0xae78"), QStringLiteral("rETH rate")},
-        {QStringLiteral("totalSupply() of 0xae7a"), QStringLiteral("stETH supply")},
-        {QStringLiteral("totalSupply() of 0xd5F7"), QStringLiteral("mETH supply")},
-        {QStringLiteral("mETHToETH(uint256) of 0xe3cB"), QStringLiteral("mETH rate")}};
-    if (tokens.contains(question))
-        return QStringList{tokens[question].section(QLatin1Char(' '), 0, 0) + QStringLiteral(" ether"),
-                           tokens[question]};
-    if (name == QLatin1String("decimals") || name.endsWith(QLatin1String("RoundData")))
-        return price;
-    if (name == QLatin1String("observe"))
-        return {QStringLiteral("pool")};
-    if (question == QLatin1String("eth_feeHistory earlier"))
-        return {QStringLiteral("points")};
-    if (question == QLatin1String("eth_feeHistory latest"))
-        return gas;
-    return {}; // Without a chain or a block there is nothing at all.
-}
-
-/// The same for a network's only node.
-QStringList missingInRowWithout(const QString& question) {
-    if (question.contains(QLatin1String("earlier")) || question == QLatin1String("eth_getBlockByNumber latest"))
-        return {QStringLiteral("seconds")};
-    if (question.contains(QLatin1String("estimateGas")) || question.startsWith(QLatin1String("get")))
-        return {QStringLiteral("cost")};
-    return {QStringLiteral("cost"), QStringLiteral("endpoints"), QStringLiteral("price"), QStringLiteral("seconds")};
-}
-
 } // namespace
 
 /// All that is read, against nodes that answer what is easy to work out, and every fault of real nodes at every
@@ -73,6 +38,12 @@ class ReadingTest final : public QObject {
         return table;
     }
 
+    RelayTable ethereumWithoutStaking() const {
+        RelayTable table = ethereumAlone();
+        table.staking.clear();
+        return table;
+    }
+
     NetworkReading readRow(const RelayTable::Network& network) const {
         RequestGate gate(wide);
         return await(readNetwork(gate, network));
@@ -87,12 +58,12 @@ private Q_SLOTS:
         m_second = std::make_unique<StandInWorld>();
     }
 
-    void everyFigureIsTheOneWorkedOutByHand() {
-        const RelayTable table = m_world->table();
+    void everyFigureOfEthereumIsTheOneWorkedOutByHand() {
+        const RelayTable table = ethereumAlone();
         const Reading reading = read(table);
         QCOMPARE(reading.trouble, QString());
         QCOMPARE(reading.block, quint64{1144});
-        Figures expected{
+        const Figures expected{
             {QStringLiteral("ether"), QStringLiteral("3000")},
             {QStringLiteral("change"), QString::number(100.0 * 72 / 2928, 'g', 12)},
             {QStringLiteral("pool"), QString::number(1e12 / std::pow(1.0001, 196000), 'g', 12)},
@@ -110,6 +81,15 @@ private Q_SLOTS:
             {QStringLiteral("mETH supply"), QStringLiteral("4000")},
             {QStringLiteral("mETH rate"), QStringLiteral("1.0625")},
             {QStringLiteral("mETH ether"), QStringLiteral("4250")},
+        };
+        QCOMPARE(figuresOf(reading, table), expected);
+    }
+
+    void everyFigureOfTheNetworksIsTheOneWorkedOutByHand() {
+        RelayTable table = m_world->table();
+        table.staking.clear();
+        const Figures figures = figuresOf(read(table), table);
+        Figures expected{
             {QStringLiteral("Arbitrum cost"), QStringLiteral("1.5e-07")},
             {QStringLiteral("Base cost"), QStringLiteral("1.626e-06")},
             {QStringLiteral("Scroll cost"), QStringLiteral("2.126e-06")},
@@ -124,7 +104,10 @@ private Q_SLOTS:
             expected.insert(QLatin1String(name) + QStringLiteral(" seconds"), QStringLiteral("2"));
             expected.insert(QLatin1String(name) + QStringLiteral(" endpoints"), QStringLiteral("1"));
         }
-        QCOMPARE(figuresOf(reading, table), expected);
+        const Figures ethereum = figuresOf(Reading{}, ethereumWithoutStaking());
+        for (const QString& name : figures.keys())
+            QCOMPARE(ethereum.contains(name) ? QString() : figures[name], expected.value(name));
+        QCOMPARE(figures.size(), expected.size() + ethereum.size());
     }
 
     /// The blocks of a group have the hundredths 0 to 49, 0.245 in the mean, and the group that ends with block e has
