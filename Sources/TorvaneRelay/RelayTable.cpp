@@ -15,12 +15,16 @@ namespace {
 constexpr int mostRequestsAtOnce = 100;
 constexpr double longestPause = 1440; // minutes: histories are of one day
 
+std::string quoted(const QString& text) {
+    return (QLatin1Char('"') + text + QLatin1Char('"')).toStdString();
+}
+
 QStringList readEndpoints(TableReader& table) {
     const QStringList endpoints = table.texts("endpoints");
     for (const QString& endpoint : endpoints) {
         const QUrl url(endpoint, QUrl::StrictMode);
         if (!url.isValid() || url.scheme() != QLatin1String("https") || url.host().isEmpty())
-            table.fail("endpoints", "\"" + endpoint.toStdString() + "\" is not an https address");
+            table.fail("endpoints", quoted(endpoint) + " is not an https address");
     }
     return endpoints;
 }
@@ -85,7 +89,7 @@ void requireDistinctNames(const QList<RelayTable::Network>& networks) {
     QSet<QString> names;
     for (const RelayTable::Network& network : networks) {
         if (names.contains(network.name))
-            throw TableError("network \"" + network.name.toStdString() + "\" is there twice");
+            throw TableError("network " + quoted(network.name) + " is there twice");
         names.insert(network.name);
     }
 }

@@ -1,6 +1,5 @@
 #include "Reading.h"
 
-#include "NodeFaults.h"
 #include "ReadingFigures.h"
 #include "StandInWorld.h"
 #include "Support/Await.h"
@@ -129,98 +128,6 @@ private Q_SLOTS:
         QVERIFY2(asked <= 8, qPrintable(QString::number(asked)));
     }
 
-    void aFaultAtOneQuestionToEthereumCostsItsFigureAlone_data() { addQuestions({QStringLiteral("Ethereum")}); }
-
-    void aFaultAtOneQuestionToEthereumCostsItsFigureAlone() {
-        QFETCH(QString, question);
-        const RelayTable table = ethereumAlone();
-        const Figures good = figuresOf(read(table), table);
-        const bool costsAll = missingWithout(question).isEmpty();
-        for (const auto& [name, fault] : NodeFaults::all()) {
-            m_world->chain(QStringLiteral("Ethereum")).misbehave(question, fault);
-            const Reading reading = read(table);
-            const Figures figures = figuresOf(reading, table);
-            const bool isComplete = reading.price && reading.gas;
-            QVERIFY2(isComplete || !reading.trouble.isEmpty(), name);
-            if (costsAll) {
-                QVERIFY2(!reading.price && !reading.gas, name);
-                continue;
-            }
-            QVERIFY2(differing(good, figures) == missingWithout(question),
-                     qPrintable(QLatin1String(name) + QStringLiteral(": ") + differing(good, figures).join(u',')));
-            for (const QString& missing : missingWithout(question))
-                QCOMPARE(figures[missing], QStringLiteral("none"));
-        }
-    }
-
-    void aFaultAtThePrimaryIsMadeUpForByTheFallback_data() { addQuestions({QStringLiteral("Ethereum")}); }
-
-    void aFaultAtThePrimaryIsMadeUpForByTheFallback() {
-        QFETCH(QString, question);
-        RelayTable table = ethereumAlone();
-        const Figures good = figuresOf(read(table), table);
-        table.ethereum.endpoints.append(m_second->table().ethereum.endpoints);
-        for (const auto& [name, fault] : NodeFaults::oneOfEachKind()) {
-            m_world->chain(QStringLiteral("Ethereum")).misbehave(question, fault);
-            const Figures figures = figuresOf(read(table), table);
-            QVERIFY2(differing(good, figures).isEmpty(),
-                     qPrintable(QLatin1String(name) + QStringLiteral(": ") + differing(good, figures).join(u',')));
-        }
-    }
-
-    void aFaultAtANetworksQuestionCostsItsFigureAlone_data() { addQuestions(networks()); }
-
-    void aFaultAtANetworksQuestionCostsItsFigureAlone() {
-        QFETCH(QString, chain);
-        QFETCH(QString, question);
-        RelayTable::Network network = networkNamed(chain, m_world->table());
-        const Figures good = figuresOf(readRow(network));
-        QStringList expected = missingInRowWithout(question);
-        expected.removeIf([&good](const QString& name) { return good[name] == QLatin1String("none"); });
-        for (const auto& [name, fault] : NodeFaults::all()) {
-            m_world->chain(chain).misbehave(question, fault);
-            const NetworkReading reading = readRow(network);
-            QVERIFY2(differing(good, figuresOf(reading)) == expected,
-                     qPrintable(QLatin1String(name) + QStringLiteral(": ") +
-                                differing(good, figuresOf(reading)).join(u',')));
-            for (const QString& missing : expected)
-                QCOMPARE(figuresOf(reading)[missing], QStringLiteral("none"));
-            QVERIFY2(reading.trouble.contains(QLatin1String("localhost: ")), name);
-        }
-    }
-
-    void aFaultAtANetworksFirstNodeIsMadeUpForByTheSecond_data() { addQuestions(networks()); }
-
-    void aFaultAtANetworksFirstNodeIsMadeUpForByTheSecond() {
-        QFETCH(QString, chain);
-        QFETCH(QString, question);
-        RelayTable::Network network = networkNamed(chain, m_world->table());
-        const QString first = network.endpoints.first();
-        network.endpoints.append(networkNamed(chain, m_second->table()).endpoints);
-        const Figures good = figuresOf(readRow(network));
-        const bool isGreeting = question == QLatin1String("eth_chainId") || question == QLatin1String("eth_gasPrice");
-        for (const auto& [name, fault] : NodeFaults::oneOfEachKind()) {
-            m_world->chain(chain).misbehave(question, fault);
-            const NetworkReading reading = readRow(network);
-            // velisk is sent only to nodes that answered what it will ask.
-            const QStringList expected = isGreeting ? QStringList{QStringLiteral("endpoints")} : QStringList();
-            QVERIFY2(differing(good, figuresOf(reading)) == expected, name);
-            QVERIFY2(!isGreeting || !reading.endpoints.contains(first), name);
-        }
-    }
-
-    void aNetworkThatIsGoneTouchesNoOtherRow() {
-        const RelayTable table = m_world->table();
-        const Figures good = figuresOf(read(table), table);
-        for (const QString& name : networks()) {
-            m_world->chain(name).server().stop();
-            const Reading reading = read(table);
-            for (const QString& figure : differing(good, figuresOf(reading, table)))
-                QVERIFY2(figure.startsWith(name + QLatin1Char(' ')), qPrintable(figure));
-            m_world->chain(name).server().start();
-        }
-    }
-
     void aNodeOfAnotherChainIsNotBelieved() {
         m_world->chain(QStringLiteral("Base")).always(QStringLiteral("eth_chainId"), hex(10));
         const NetworkReading row = readRow(networkNamed(QStringLiteral("Base"), m_world->table()));
@@ -256,6 +163,36 @@ private Q_SLOTS:
         QCOMPARE(reading.trouble, QStringLiteral("no price of ether: the price feed is more than two hours old"));
         // A second before, it is.
         QVERIFY(await(readAll(gate, ethereumAlone(), late.addSecs(-1))).price);
+    }
+
+    /// Newer feeds refuse to answer for rounds that are not there, older ones answer zeros.
+    void aFeedThatIsYoungerThanADayHasNoChange() {
+        const QString feed = m_world->table().ethereum.priceFeed;
+        StandInChain& node = m_world->chain(QStringLiteral("Ethereum"));
+        for (const QList<Word>& none : {QList<Word>(), QList<Word>(5)}) {
+            node.onCall(feed, QStringLiteral("getRoundData(uint80)"), none);
+            const Reading reading = read(ethereumAlone());
+            QVERIFY(!reading.price);
+            QCOMPARE(reading.trouble, QStringLiteral("no price of ether: the price feed has no price of a day ago"));
+        }
+    }
+
+    void aSilentPrimaryIsMadeUpForAfterItsTimeIsUp() {
+        m_world->chain(QStringLiteral("Ethereum"))
+            .misbehave(QStringLiteral("latestRoundData() of 0x5f4e"), StandInAnswer::silent());
+        RelayTable table = ethereumAlone();
+        table.ethereum.endpoints.append(m_second->table().ethereum.endpoints);
+        QCOMPARE(read(table).price->usd, 3000.0);
+    }
+
+    void whatAStrangerSaysFitsInALine() {
+        m_world->chain(QStringLiteral("Base"))
+            .misbehave(QStringLiteral("eth_gasPrice"),
+                       StandInAnswer::ok("{\"error\":{\"code\":-1,\"message\":\"slow\\n\\tdown \\u001b[31m!" +
+                                         QByteArray(500, 'x') + "\"}}"));
+        const NetworkReading row = readRow(networkNamed(QStringLiteral("Base"), m_world->table()));
+        QVERIFY(row.trouble.startsWith(QStringLiteral("localhost: error -1, slow down [31m!xxx")));
+        QVERIFY(row.trouble.size() < 200);
     }
 
     void aPoolWithAShortMemoryIsAskedForThePriceOfTheMoment() {
@@ -311,27 +248,12 @@ private Q_SLOTS:
     }
 
 private:
-    QStringList networks() const {
-        return {QStringLiteral("Arbitrum"), QStringLiteral("Base"), QStringLiteral("Scroll"), QStringLiteral("Linea"),
-                QStringLiteral("Starknet")};
-    }
-
     static RelayTable::Network networkNamed(const QString& name, const RelayTable& table) {
         for (const RelayTable::Network& network : table.networks) {
             if (network.name == name)
                 return network;
         }
         qFatal("There is no such network");
-    }
-
-    void addQuestions(const QStringList& chains) {
-        QTest::addColumn<QString>("chain");
-        QTest::addColumn<QString>("question");
-        StandInWorld world;
-        for (const QString& chain : chains) {
-            for (const QString& question : world.chain(chain).questions())
-                QTest::newRow(qPrintable(chain + QStringLiteral(": ") + question)) << chain << question;
-        }
     }
 };
 
