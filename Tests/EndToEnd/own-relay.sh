@@ -45,6 +45,9 @@ grep -q '^Ethereum: block 170, base fee 12.0 gwei, ETH .3,200.00 (+8.0%)' "$RIG/
 fetch --output "$RIG/document"
 cmp --silent "$RIG/document" "$own/snapshot.json" || rig_fail "it serves another document than it wrote"
 "$relay_under_test" --check "$RIG/document" || rig_fail "the document is not good"
+sed 's/"avg"/"average"/' "$RIG/document" >"$RIG/broken"
+if "$relay_under_test" --check "$RIG/broken" 2>"$RIG/log/check"; then rig_fail "a broken document passes"; fi
+grep -q 'broken: gas.avg: missing$' "$RIG/log/check" || rig_fail "the key that is wrong is not named"
 keep "$RIG/log/relay" relay-lines.txt
 keep "$RIG/document" snapshot.json
 rig_pass "the relay reads the nodes and serves what it wrote"
