@@ -1,5 +1,6 @@
 #include "NetworkRow.h"
 
+#include "BlockTime.h"
 #include "Questions.h"
 #include "StarknetRow.h"
 #include "TransferCost.h"
@@ -9,8 +10,6 @@
 namespace torvane {
 
 namespace {
-
-constexpr quint64 blocksBetween = 1000;
 
 Task<Block> readBlock(Nodes& nodes, QString block) {
     Task<Block> call = nodes.ask<Block>(QStringLiteral("eth_getBlockByNumber"), BlockParams{block});
@@ -79,12 +78,6 @@ Task<NetworkReading> readNetwork(RequestGate& gate, RelayTable::Network network)
     if (network.transfer == TransferModel::starknet)
         return readStarknet(gate, network);
     return readEVM(gate, network);
-}
-
-std::optional<double> secondsPerBlock(const BlockTime& latest, const BlockTime& earlier) {
-    if (earlier.number >= latest.number || earlier.seconds >= latest.seconds)
-        return std::nullopt;
-    return static_cast<double>(latest.seconds - earlier.seconds) / static_cast<double>(latest.number - earlier.number);
 }
 
 } // namespace torvane

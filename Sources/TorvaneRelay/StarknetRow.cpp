@@ -1,5 +1,6 @@
 #include "StarknetRow.h"
 
+#include "BlockTime.h"
 #include "Questions.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@ namespace torvane {
 
 namespace {
 
-constexpr quint64 blocksBetween = 1000;
 constexpr QLatin1StringView blockMethod("starknet_getBlockWithTxHashes");
 
 struct StarknetPrice {
