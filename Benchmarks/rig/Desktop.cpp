@@ -69,9 +69,8 @@ Desktop::Desktop()
     : m_home(newHome()) {
     const Program::Words own = ownEnvironment();
     // An X server that resets itself when its last client goes would make the next one wait.
-    m_screen = std::make_unique<Program>(Program::Words{"Xvfb", "-displayfd", "1", "-screen", "0", "1280x1024x24",
-                                                        "-nolisten", "tcp", "-noreset"},
-                                         own);
+    m_screen = std::make_unique<Program>(
+        Program::Words{"Xvfb", "-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"}, own);
     m_display = ':' + firstLine(*m_screen, "The X server (package xvfb)");
     std::ofstream(m_home / "bus.conf") << busConfiguration;
     const std::string configuration = "--config-file=" + (m_home / "bus.conf").string();

@@ -13,7 +13,8 @@ class Desktop final {
 public:
     /// What the panel saw.
     struct PanelNews {
-        std::string what; ///< "name": somebody took this name on the bus. "item": it registered. "click": a call went out.
+        std::string
+            what; ///< "name": somebody took this name on the bus. "item": it registered. "click": a call went out.
         Nanoseconds time = 0;
         std::string who;
     };

@@ -47,8 +47,8 @@ void StandInWatcher::readAgain(const QDBusMessage& changed) {
 }
 
 void StandInWatcher::read(const QString& item) {
-    QDBusMessage call = QDBusMessage::createMethodCall(item, itemPath, u"org.freedesktop.DBus.Properties"_s,
-                                                       u"GetAll"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(item, itemPath, u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s);
     call.setArguments({QString(itemInterface)});
     m_connection.asyncCall(call);
 }

@@ -1,6 +1,6 @@
 // The whole program beside plain Qt programs, as a desktop sees it: from its start to the registration of its badge,
-// from a click on the badge to the popover's first frame, and its memory after ten seconds. Ours has a usual document in
-// its cache. Both run in turns, in an X server and on a bus of their own; the first turn is not counted.
+// from a click on the badge to the popover's first frame, and its memory after ten seconds. Ours has a usual document
+// in its cache. Both run in turns, in an X server and on a bus of their own; the first turn is not counted.
 // StartupBenchmark [ROUNDS [SECONDS]]
 // exits with 1 where a bar is missed, with 2 where nothing could be measured
 #include "Comparison.h"
@@ -74,8 +74,8 @@ bool reportMemory(Desktop& desktop, int seconds) {
         measureMemory({VELISK_DEMO}, desktop, seconds, ours);
         measureMemory({COMPOSITE_YARDSTICK, STAND_IN_ORIGIN}, desktop, seconds, yardstick);
     }
-    std::printf("\nBeside a plain tray icon with Qt's own client, medians of %d starts, %d s after each\n", memoryRounds,
-                seconds);
+    std::printf("\nBeside a plain tray icon with Qt's own client, medians of %d starts, %d s after each\n",
+                memoryRounds, seconds);
     Comparison::printHead();
     const Comparison dirty{"private dirty memory", "kB", median(ours.privateDirty), median(yardstick.privateDirty),
                            1.25};

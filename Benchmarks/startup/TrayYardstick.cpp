@@ -18,9 +18,7 @@ public:
     }
 
 protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter(this).drawText(20, 40, QStringLiteral("Ethereum 0.812 gwei"));
-    }
+    void paintEvent(QPaintEvent*) override { QPainter(this).drawText(20, 40, QStringLiteral("Ethereum 0.812 gwei")); }
 };
 
 QIcon icon() {

@@ -59,9 +59,9 @@ Measured measure(const Program& ours, const Program& yardstick, int minutes) {
 /// The figure stays what it is from the next poll on: below the last digit shown, each block's tips may still differ.
 void keepTheFigureStill(const Desktop& desktop) {
     const std::string certificate = TORVANE_TEST_CERTIFICATES "/ca.pem";
-    Program order({"curl", "--silent", "--fail", "--cacert", certificate, "--data", "baseFee 8",
-                   STAND_IN_ORIGIN "/control"},
-                  desktop.environment());
+    Program order(
+        {"curl", "--silent", "--fail", "--cacert", certificate, "--data", "baseFee 8", STAND_IN_ORIGIN "/control"},
+        desktop.environment());
     if (!order.succeeds())
         giveUp("The stand-in relay does not take orders");
 }

@@ -15,7 +15,8 @@ constexpr int notHeard = 1;
 
 } // namespace
 
-Launch::Launch() {
+Launch::Launch(QString id)
+    : m_id(std::move(id)) {
     const auto begin = [this] { m_tasks.run(this->begin()); };
     QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
 }
@@ -27,7 +28,7 @@ Task<> Launch::begin() {
     if (!hasBus)
         notice(u"There is no session bus, so no notifications, and a badge only in a tray of X's own. "
                u"Start velisk once more to open its window."_s);
-    m_instance.emplace(QDBusConnection::sessionBus(), u"org.velisk.Torvane"_s);
+    m_instance.emplace(QDBusConnection::sessionBus(), m_id);
     connect(&*m_instance, &ApplicationInstance::becameFirst, this, &Launch::run);
     connect(&*m_instance, &ApplicationInstance::deferred, this, &Launch::end);
     connect(&*m_instance, &ApplicationInstance::activated, this, &Launch::comeForward);

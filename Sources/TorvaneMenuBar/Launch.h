@@ -15,8 +15,8 @@ class Launch final : public QObject {
     Q_OBJECT
 
 public:
-    /// Begins with the main loop. Needs a QApplication.
-    Launch();
+    /// Begins with the main loop. Needs a QApplication. `id` is the application's name on the bus.
+    explicit Launch(QString id);
 
 private:
     Task<> begin();
@@ -24,6 +24,7 @@ private:
     void end(bool answered);
     void comeForward();
 
+    const QString m_id;
     std::optional<ApplicationInstance> m_instance;
     std::optional<TorvaneApp> m_app;
     bool m_isAwaited = false; // Called forward before there was anything to show.

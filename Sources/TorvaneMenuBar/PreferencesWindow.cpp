@@ -69,6 +69,8 @@ Preferences::~Preferences() {
 }
 
 void Preferences::open() {
+    if (m_window && m_window->isHidden())
+        delete m_window; // Closed a moment ago, and to be discarded: what is opened now is another.
     if (!m_window)
         m_window = new PreferencesWindow(m_store, m_settings, m_updater);
     m_window->bringToFront();

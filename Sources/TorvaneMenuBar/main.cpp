@@ -47,6 +47,6 @@ int main(int argc, char** argv) {
 
     const torvane::TerminationSignals signals_;
     QObject::connect(&signals_, &torvane::TerminationSignals::received, &application, &QCoreApplication::quit);
-    const torvane::Launch launch;
+    const torvane::Launch launch(QStringLiteral(TORVANE_APPLICATION_ID));
     return QApplication::exec();
 }

@@ -85,7 +85,7 @@ xdotool key Escape
 program_wait "the popover's end" rig_not popover_is_open
 rig_pass "a second launch opens the first one's popover and ends"
 
-first=$(rig_owner org.velisk.Torvane)
+first=$(rig_owner org.velisk.Torvane.Demo)
 for launch in 1 2 3 4 5; do
     "$program_under_test" >"$RIG/log/launch$launch" 2>&1 &
     launches+=($!)
@@ -93,7 +93,7 @@ done
 for launch in "${launches[@]}"; do
     wait "$launch" || rig_fail "one of five launches at once ended with $?"
 done
-[ "$(rig_owner org.velisk.Torvane)" = "$first" ] || rig_fail "another launch took over"
+[ "$(rig_owner org.velisk.Torvane.Demo)" = "$first" ] || rig_fail "another launch took over"
 rig_pass "five launches at once change nothing"
 
 menu_choose "$(find_item)" "Quit velisk"
@@ -121,16 +121,16 @@ rig_pass "of two launches at once one gives way, and the other opens its popover
 program_end TERM
 
 mkdir -p "$XDG_DATA_HOME/dbus-1/services"
-printf '[D-BUS Service]\nName=org.velisk.Torvane\nExec="%s"\n' "$program_under_test" \
-    >"$XDG_DATA_HOME/dbus-1/services/org.velisk.Torvane.service"
+printf '[D-BUS Service]\nName=org.velisk.Torvane.Demo\nExec="%s"\n' "$program_under_test" \
+    >"$XDG_DATA_HOME/dbus-1/services/org.velisk.Torvane.Demo.service"
 gdbus call --session --dest org.freedesktop.DBus --object-path / --method org.freedesktop.DBus.ReloadConfig >/dev/null
-gdbus call --session --dest org.velisk.Torvane --object-path /org/velisk/Torvane \
+gdbus call --session --dest org.velisk.Torvane.Demo --object-path /org/velisk/Torvane/Demo \
     --method org.freedesktop.Application.Activate '{}' >/dev/null
 rig_wait "the popover" popover_is_open
 rig_wait "the item's registration" item_is_registered
 menu_choose "$(find_item)" "Quit velisk"
-rig_wait "its end" rig_not rig_has_name org.velisk.Torvane
-rm "$XDG_DATA_HOME/dbus-1/services/org.velisk.Torvane.service"
+rig_wait "its end" rig_not rig_has_name org.velisk.Torvane.Demo
+rm "$XDG_DATA_HOME/dbus-1/services/org.velisk.Torvane.Demo.service"
 rig_pass "the bus starts it by its name, with the popover open"
 
 panel_stop TERM

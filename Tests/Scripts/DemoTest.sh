@@ -224,6 +224,7 @@ PROGRAM
     kill "$demo"
     end_of_demo
     grep -q 'No panel that shows status items' demo.output || fail "it does not say that there is no panel"
+    grep -q "start .*velisk while the demo runs" demo.output || fail "it does not say how to open the window"
 }
 
 withoutABusItSaysSoAndGoesOn() {

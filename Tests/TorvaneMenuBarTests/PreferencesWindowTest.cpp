@@ -86,6 +86,17 @@ private Q_SLOTS:
         QCOMPARE(view()->section(), Section::general);
     }
 
+    void aWindowThatIsBeingDiscardedIsNotUsedAgain() {
+        open();
+        go(Section::about);
+        m_preferences->window()->close();
+        open();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!isClosed());
+        QVERIFY(m_preferences->window()->isVisible());
+        QCOMPARE(view()->section(), Section::general);
+    }
+
     void closingItLeavesTheProgramRunning() {
         const QSignalSpy quits(qApp, &QCoreApplication::aboutToQuit);
         open();
@@ -107,6 +118,18 @@ private Q_SLOTS:
         QFETCH(const QKeySequence, keys);
         open();
         QTest::keySequence(m_preferences->window(), keys);
+        QTRY_VERIFY_WITH_TIMEOUT(isClosed(), limitMs);
+    }
+
+    void keysCloseItFromThePickerToo_data() { keysCloseIt_data(); }
+
+    void keysCloseItFromThePickerToo() {
+        QFETCH(const QKeySequence, keys);
+        open();
+        go(Section::menuBar);
+        auto* picker = view()->findChild<ChainPicker*>();
+        picker->setFocus();
+        QTest::keySequence(picker, keys);
         QTRY_VERIFY_WITH_TIMEOUT(isClosed(), limitMs);
     }
 

@@ -32,8 +32,8 @@ inline constexpr QStringView robinhoodFeather =
     u"M5.6 21.6C5.2 13.2 8.2 5.9 14.6 2.8L19 2.2C19.8 6 19.2 8.9 17.6 11.3L14.2 11.6L16.4 13C14.8 15.5 12.8 16.8 9.9 17"
     "C10.8 13.2 12.5 9.6 15.4 5.4C11.2 9 8.6 13.2 7.9 18.2C7.6 19.4 7.4 20.5 7.4 21.6Z";
 
-/// Two arrows that point away from each other, each with the other's shaft beside its own; either is the other turned by
-/// half a circle.
+/// Two arrows that point away from each other, each with the other's shaft beside its own; either is the other turned
+/// by half a circle.
 inline constexpr QStringView zkSyncLeft = u"M1.6 12L8 5.6V8.8H14.8L8 13.9V18.4Z";
 inline constexpr QStringView zkSyncRight = u"M22.4 12L16 18.4V15.2H9.2L16 10.1V5.6Z";
 

@@ -47,7 +47,7 @@ public:
         : QAccessibleWidget(picker, QAccessible::ComboBox) {}
 
     QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Value ? picker().currentText() : QAccessibleWidget::text(kind);
+        return kind == QAccessible::Value ? picker().shownTitle() : QAccessibleWidget::text(kind);
     }
 
     QAccessible::State state() const override {

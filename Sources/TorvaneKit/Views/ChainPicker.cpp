@@ -6,11 +6,10 @@
 #include "Views/Drawing.h"
 #include "Views/PickerList.h"
 
+#include <QKeyEvent>
 #include <QListView>
 #include <QPainter>
 #include <QWheelEvent>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -23,6 +22,11 @@ constexpr double radius = 7;
 constexpr int padding = 10;
 constexpr double symbolSize = 10;
 constexpr int mostVisible = 12;
+
+/// On one line: relays name networks as they like.
+QString titleOf(const BadgeChain& chain) {
+    return chain.title().simplified();
+}
 
 } // namespace
 
@@ -45,9 +49,11 @@ void ChainPicker::offer(const QList<BadgeChain>& chains) {
     m_chains = chains;
     QStringList titles;
     for (const BadgeChain& chain : chains)
-        titles.append(chain.title());
+        titles.append(titleOf(chain));
     m_titles.setStringList(titles);
     showSelection();
+    if (view()->isVisible())
+        showPopup(); // As high as the networks are many now.
 }
 
 void ChainPicker::select(const BadgeChain& chain) {
@@ -56,10 +62,14 @@ void ChainPicker::select(const BadgeChain& chain) {
 }
 
 void ChainPicker::showSelection() {
-    setPlaceholderText(m_selection.title());
+    setPlaceholderText(titleOf(m_selection));
     const auto index = static_cast<int>(m_chains.indexOf(m_selection));
     setCurrentIndex(index);
     view()->setCurrentIndex(m_titles.index(index)); // Screen readers ask the list, also while it is closed.
+}
+
+QString ChainPicker::shownTitle() const {
+    return titleOf(m_selection);
 }
 
 QSize ChainPicker::sizeHint() const {
@@ -76,9 +86,15 @@ void ChainPicker::paintEvent(QPaintEvent*) {
     const QRect text = rect().adjusted(padding, 0, symbol.x() - padding / 2 - width(), 0);
     Symbols::paint(painter, QStyle::visualRect(layoutDirection(), rect(), symbol), u"chevron.down"_s, Palette::ink3);
     painter.setPen(isOffered ? Palette::ink : Palette::ink3);
-    painter.drawText(QStyle::visualRect(layoutDirection(), rect(), text),
-                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
-                     fontMetrics().elidedText(m_selection.title(), Qt::ElideRight, text.width()));
+    drawLine(painter, QStyle::visualRect(layoutDirection(), rect(), text), shownTitle());
+}
+
+/// A combo box takes every key that carries a character for the beginning of a title, shortcuts too.
+void ChainPicker::keyPressEvent(QKeyEvent* event) {
+    if (event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier))
+        event->ignore();
+    else
+        QComboBox::keyPressEvent(event);
 }
 
 /// Whoever scrolls the panel does not mean to choose.

@@ -22,6 +22,9 @@ public:
     /// Shows another network as the selected one, which nobody is told.
     void select(const BadgeChain& chain);
 
+    /// The title that is shown: of the selected network, offered or not.
+    QString shownTitle() const;
+
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -30,6 +33,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;

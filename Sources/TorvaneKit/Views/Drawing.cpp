@@ -32,4 +32,9 @@ void fillRoundedRect(QPainter& painter, const QRectF& rect, double radius, const
     painter.drawRoundedRect(rect, radius, radius);
 }
 
+void drawLine(QPainter& painter, const QRect& room, const QString& text, Qt::Alignment alignment) {
+    const QString line = painter.fontMetrics().elidedText(text, Qt::ElideRight, room.width());
+    painter.drawText(room, static_cast<int>(alignment | Qt::AlignVCenter) | Qt::TextSingleLine, line);
+}
+
 } // namespace torvane

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QRectF>
+#include <QString>
 
 class QPainter;
 class QWidget;
@@ -25,5 +26,9 @@ void drawRoundedRect(QPainter& painter, const QRectF& rect, double radius, const
 
 /// The same without a border.
 void fillRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill);
+
+/// One line of text in the painter's font and pen, at the leading edge or in the middle of its room; it ends in "…"
+/// where there is not enough of it.
+void drawLine(QPainter& painter, const QRect& room, const QString& text, Qt::Alignment alignment = Qt::AlignLeft);
 
 } // namespace torvane

@@ -52,10 +52,11 @@ void NetworksPanel::fill() {
     }
 }
 
-/// The network whose switch has the keyboard's focus; null without one.
+/// The network whose switch has the keyboard's focus in this window, also while another window is in use; null without
+/// one.
 QString NetworksPanel::focusedNetwork() const {
-    const QWidget* focused = focusWidget();
-    return focused && focused->hasFocus() ? focused->accessibleName() : QString();
+    const QWidget* focused = window()->focusWidget();
+    return focused && isAncestorOf(focused) ? focused->accessibleName() : QString();
 }
 
 QWidget* NetworksPanel::list() {

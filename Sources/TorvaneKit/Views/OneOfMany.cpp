@@ -8,6 +8,8 @@
 namespace torvane {
 
 std::optional<int> OneOfMany::afterKey(const QKeyEvent& key, int selected, int count, Qt::LayoutDirection direction) {
+    if (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return std::nullopt; // Another's shortcut.
     const int onward = direction == Qt::RightToLeft ? -1 : 1;
     const auto within = [count](int index) { return std::clamp(index, 0, count - 1); };
     switch (key.key()) {

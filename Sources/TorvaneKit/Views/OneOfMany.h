@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <Qt>
 
 #include <optional>
 
@@ -11,7 +12,7 @@ class QKeyEvent;
 namespace torvane::OneOfMany {
 
 /// Which choice a key press goes to from the selected one: the neighbour with the arrow keys, the first and the last
-/// with Home and End; never beyond them. None for another key.
+/// with Home and End; never beyond them. None for another key, and none with Control, Alt or Super.
 std::optional<int> afterKey(const QKeyEvent& key, int selected, int count, Qt::LayoutDirection direction);
 
 /// The index of the checked button; -1 without one.

@@ -2,15 +2,18 @@
 
 #include "Design/ChainIcon.h"
 #include "Design/DesignSystem.h"
+#include "Views/Composition.h"
 #include "Views/Drawing.h"
+#include "Views/ReturnKey.h"
+#include "Views/Rule.h"
 #include "Views/SettingCard.h"
 #include "Views/StatusDot.h"
 #include "Views/Switch.h"
 #include "Views/TextLabel.h"
 #include "Views/TextLine.h"
 
+#include <QKeyEvent>
 #include <QPainter>
-#include <QVBoxLayout>
 
 namespace torvane {
 
@@ -23,18 +26,6 @@ constexpr int titleHeight = 16;
 constexpr double markSize = 24;
 constexpr int cardGap = 16;
 constexpr int noteGap = 10;
-
-class Separator final : public QWidget {
-public:
-    Separator() { setFixedHeight(1); }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillRect(QRectF(0, 0, width(), hairline), Palette::line);
-    }
-};
 
 class Capsule final : public QWidget, public AccessiblePart {
 public:
@@ -84,15 +75,12 @@ protected:
         painter.setPen(Palette::ink);
         painter.drawText(rect(), Qt::AlignCenter, text());
     }
-};
 
-template <class Layout>
-Layout* bare(QWidget* parent) {
-    auto* layout = new Layout(parent);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    return layout;
-}
+    void keyPressEvent(QKeyEvent* event) override {
+        if (!pressByReturn(*this, *event))
+            QAbstractButton::keyPressEvent(event);
+    }
+};
 
 QWidget* subtitleLabel(const QString& text) {
     return new TextLabel(text, Fonts::sans(11, QFont::Normal), Palette::ink3);
@@ -107,22 +95,24 @@ QWidget* lines(const QList<QWidget*>& texts) {
 } // namespace
 
 QWidget* PanelParts::column(const QList<QWidget*>& parts) {
-    auto* column = new QWidget;
-    auto* layout = bare<QVBoxLayout>(column);
+    QBoxLayout* layout = torvane::column();
     for (QWidget* part : parts)
         layout->addWidget(part);
-    return column;
+    return section(layout);
 }
 
 QWidget* PanelParts::row(QWidget* label, QWidget* control) {
-    auto* row = new QWidget;
+    QBoxLayout* layout = padded({0, rowPadding, 0, rowPadding}, torvane::row(label, Space{controlGap}, control));
+    layout->setStretchFactor(label, 1);
+    QWidget* row = section(layout);
     row->setMinimumHeight(rowHeight);
-    auto* layout = bare<QHBoxLayout>(row);
-    layout->setContentsMargins(0, rowPadding, 0, rowPadding);
-    layout->setSpacing(controlGap);
-    layout->addWidget(label, 1);
-    layout->addWidget(control);
     return row;
+}
+
+QWidget* PanelParts::beside(QWidget* picture, int gap, QWidget* text) {
+    QBoxLayout* layout = torvane::row(picture, Space{gap}, text);
+    layout->setStretchFactor(text, 1);
+    return section(layout);
 }
 
 QWidget* PanelParts::info(const QString& title, const QString& subtitle) {
@@ -131,18 +121,13 @@ QWidget* PanelParts::info(const QString& title, const QString& subtitle) {
 }
 
 QWidget* PanelParts::netInfo(const QString& name, const QString& subtitle) {
-    auto* network = new QWidget;
-    auto* layout = bare<QHBoxLayout>(network);
-    layout->setSpacing(10);
-    layout->addWidget(new ChainIcon(name, markSize));
     // A line that gives way: relays name networks as they like.
     auto* title = new TextLine({Fonts::sans(13, QFont::Normal), Palette::ink, titleHeight}, name);
-    layout->addWidget(lines({title, subtitleLabel(subtitle)}), 1);
-    return network;
+    return beside(new ChainIcon(name, markSize), 10, lines({title, subtitleLabel(subtitle)}));
 }
 
 QWidget* PanelParts::sep() {
-    return new Separator;
+    return new Rule(0, Palette::line);
 }
 
 QWidget* PanelParts::label(const QString& text) {
@@ -155,14 +140,9 @@ QWidget* PanelParts::label(const QString& text) {
 }
 
 QWidget* PanelParts::legend(const QColor& color, const QString& text) {
-    auto* legend = new QWidget;
-    auto* layout = bare<QHBoxLayout>(legend);
-    layout->setSpacing(7);
-    layout->addWidget(new StatusDot(color));
     auto* word = new TextLabel(text, Fonts::sans(13, QFont::Normal), Palette::ink);
     word->setWordWrap(false);
-    layout->addWidget(word);
-    return legend;
+    return section(torvane::row(new StatusDot(color), Space{7}, word));
 }
 
 QWidget* PanelParts::capsule(const QString& text) {

@@ -20,6 +20,9 @@ QWidget* column(const QList<QWidget*>& parts);
 /// One line of a card: the label on the left, the control on the right.
 QWidget* row(QWidget* label, QWidget* control);
 
+/// A picture and, beside it, the text that has the rest of the width.
+QWidget* beside(QWidget* picture, int gap, QWidget* text);
+
 /// A label of two lines; of one without a subtitle.
 QWidget* info(const QString& title, const QString& subtitle = {});
 

@@ -32,10 +32,7 @@ public:
         if (option.state & QStyle::State_Selected)
             fillRoundedRect(*painter, option.rect, rowRadius, Palette::surface3);
         painter->setPen(Palette::ink);
-        const QRect room = option.rect.adjusted(rowPadding, 0, -rowPadding, 0);
-        const QString title = index.data().toString();
-        painter->drawText(room, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-                          option.fontMetrics.elidedText(title, Qt::ElideRight, room.width()));
+        drawLine(*painter, option.rect.adjusted(rowPadding, 0, -rowPadding, 0), index.data().toString());
         painter->restore();
     }
 };

@@ -2,6 +2,7 @@
 
 #include "Design/DesignSystem.h"
 #include "Views/Drawing.h"
+#include "Views/ReturnKey.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -41,12 +42,9 @@ void PlainButton::focusInEvent(QFocusEvent* event) {
 }
 
 void PlainButton::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (!event->isAutoRepeat())
-            click();
+    if (pressByReturn(*this, *event))
         return;
+    switch (event->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
         event->ignore(); // Where they lead is the view's to say.

@@ -103,12 +103,8 @@ QWidget* aboutHeader() {
         new TextLabel(u"Ethereum gas, from the velisk relay."_s, Fonts::sans(12, QFont::Normal), Palette::ink2),
     });
     texts->layout()->setSpacing(2);
-    auto* header = new QWidget;
-    auto* layout = new QHBoxLayout(header);
-    layout->setContentsMargins(0, 0, 0, 18);
-    layout->setSpacing(14);
-    layout->addWidget(new SymbolTile(u"fuelpump.fill"_s, {52, 12, 22}));
-    layout->addWidget(texts, 1);
+    QWidget* header = beside(new SymbolTile(u"fuelpump.fill"_s, {52, 12, 22}), 14, texts);
+    header->layout()->setContentsMargins(0, 0, 0, 18);
     return header;
 }
 

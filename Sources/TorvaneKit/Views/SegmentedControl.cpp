@@ -53,8 +53,7 @@ protected:
         }
         painter.setFont(isChecked() ? font() : Fonts::sans(12, QFont::Normal));
         painter.setPen(isChecked() || isDown() ? Palette::ink : Palette::ink2);
-        const QRect room = rect().adjusted(leastPadding, 0, -leastPadding, 0);
-        painter.drawText(room, Qt::AlignCenter, painter.fontMetrics().elidedText(text(), Qt::ElideRight, room.width()));
+        drawLine(painter, rect().adjusted(leastPadding, 0, -leastPadding, 0), text(), Qt::AlignHCenter);
     }
 };
 

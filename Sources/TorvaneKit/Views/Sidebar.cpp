@@ -5,6 +5,7 @@
 #include "Model/Config.h"
 #include "Views/Drawing.h"
 #include "Views/OneOfMany.h"
+#include "Views/PanelParts.h"
 #include "Views/SymbolTile.h"
 #include "Views/TextLabel.h"
 
@@ -56,9 +57,7 @@ void SidebarItem::paintEvent(QPaintEvent*) {
     Symbols::paint(painter, QStyle::visualRect(layoutDirection(), rect(), symbol.toRect()), m_symbol, ink);
     painter.setPen(ink);
     painter.setFont(isChecked() ? font() : Fonts::sans(13, QFont::Normal));
-    painter.drawText(QStyle::visualRect(layoutDirection(), rect(), text),
-                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
-                     painter.fontMetrics().elidedText(this->text(), Qt::ElideRight, text.width()));
+    drawLine(painter, QStyle::visualRect(layoutDirection(), rect(), text), this->text());
 }
 
 Sidebar::Sidebar(QWidget* parent)
@@ -75,17 +74,12 @@ Sidebar::Sidebar(QWidget* parent)
 }
 
 QWidget* Sidebar::brand() {
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(0);
-    texts->addWidget(new TextLabel(u"velisk"_s, Fonts::sans(14, QFont::DemiBold), Palette::ink));
-    const QString version = u"Version "_s + Config::currentVersion();
-    texts->addWidget(new TextLabel(version, Fonts::sans(11, QFont::Normal), Palette::ink3));
-    auto* brand = new QWidget;
-    auto* layout = new QHBoxLayout(brand);
-    layout->setContentsMargins(6, 0, 6, 0);
-    layout->setSpacing(10);
-    layout->addWidget(new SymbolTile(u"fuelpump.fill"_s, {30, 8, 17}));
-    layout->addLayout(texts, 1);
+    QWidget* texts = PanelParts::column({
+        new TextLabel(u"velisk"_s, Fonts::sans(14, QFont::DemiBold), Palette::ink),
+        new TextLabel(u"Version "_s + Config::currentVersion(), Fonts::sans(11, QFont::Normal), Palette::ink3),
+    });
+    QWidget* brand = PanelParts::beside(new SymbolTile(u"fuelpump.fill"_s, {30, 8, 17}), 10, texts);
+    brand->layout()->setContentsMargins(6, 0, 6, 0);
     return brand;
 }
 

@@ -107,6 +107,8 @@ void Stepper::paintEvent(QPaintEvent*) {
 }
 
 void Stepper::keyPressEvent(QKeyEvent* event) {
+    if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return QWidget::keyPressEvent(event); // Another's shortcut.
     switch (event->key()) {
     case Qt::Key_Up:
     case Qt::Key_Right:

@@ -145,6 +145,34 @@ private Q_SLOTS:
         QCOMPARE(m_chosen, QList<BadgeChain>());
     }
 
+    void anOpenListIsAsHighAsTheNetworksAreMany() {
+        QTest::mouseClick(m_picker.get(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(isOpen(), limitMs);
+        const int ofThree = m_picker->view()->window()->height();
+        m_picker->offer(three + QList<BadgeChain>{BadgeChain::l2(u"New"_s)});
+        const int ofFour = m_picker->view()->window()->height();
+        QVERIFY(ofFour > ofThree);
+        m_picker->offer(three.first(2));
+        QCOMPARE(m_picker->view()->window()->height(), ofThree - (ofFour - ofThree));
+        QVERIFY(isOpen());
+    }
+
+    void aTitleIsOneLine() {
+        m_picker->offer({BadgeChain::ethereum(), BadgeChain::l2(u"Two\nlines"_s)});
+        QCOMPARE(titles(), (QStringList{u"Ethereum"_s, u"Two lines"_s}));
+        QTest::keyClick(m_picker.get(), Qt::Key_Down);
+        QCOMPARE(m_chosen, QList<BadgeChain>{BadgeChain::l2(u"Two\nlines"_s)});
+        m_picker->select(BadgeChain::l2(u"Also\ntwo"_s));
+        QCOMPARE(m_picker->shownTitle(), u"Also two"_s);
+    }
+
+    void shortcutsAreLeftToOthers() {
+        QKeyEvent shortcut(QEvent::KeyPress, Qt::Key_L, Qt::ControlModifier, u"\f"_s);
+        QCoreApplication::sendEvent(m_picker.get(), &shortcut);
+        QVERIFY(!shortcut.isAccepted());
+        QCOMPARE(m_chosen, QList<BadgeChain>());
+    }
+
     void theWheelChoosesNothing() {
         QWheelEvent event(QPointF(5, 5), m_picker->mapToGlobal(QPointF(5, 5)), QPoint(0, -120), QPoint(0, -120),
                           Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -173,6 +201,8 @@ private Q_SLOTS:
         QCOMPARE(list->role(), QAccessible::List);
         for (int i = 0; i < list->childCount(); ++i)
             QCOMPARE(bool(list->child(i)->state().selected), i == 2);
+        m_picker->select(BadgeChain::l2(u"Gone"_s));
+        QCOMPARE(comboBox->text(QAccessible::Value), u"Gone"_s);
         comboBox->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
         QTRY_VERIFY_WITH_TIMEOUT(isOpen(), limitMs);
         QVERIFY(comboBox->state().expanded);

@@ -33,6 +33,14 @@ class PreferencesPanelsTest final : public QObject {
         click(m_user->control<SegmentedControl>(control)->findChildren<QAbstractButton*>()[index]);
     }
 
+    QAbstractButton* checkButton() const {
+        for (auto* button : m_user->view->findChildren<QAbstractButton*>()) {
+            if (button->text() == u"Check for Updates…"_s)
+                return button;
+        }
+        qFatal("There is no button to check for updates");
+    }
+
     StepButton* stepButton(const QString& name) const { return m_user->control<StepButton>(name); }
 
     QStringList texts() const {
@@ -208,10 +216,7 @@ private Q_SLOTS:
         int checks = 0;
         m_user->updater.onCheck = [&checks] { ++checks; };
         m_user->open(Section::about);
-        QAbstractButton* button = nullptr;
-        for (auto* each : m_user->view->findChildren<QAbstractButton*>())
-            button = each->text() == u"Check for Updates…"_s ? each : button;
-        QVERIFY(button);
+        QAbstractButton* button = checkButton();
         QVERIFY(!button->isEnabled());
         click(button);
         m_user->updater.canCheck = true;
@@ -220,6 +225,16 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(checks, 1, 30'000);
         m_user->updater.canCheck = false;
         QVERIFY(!button->isEnabled());
+    }
+
+    void spaceAndReturnCheckForUpdates() {
+        int checks = 0;
+        m_user->updater.onCheck = [&checks] { ++checks; };
+        m_user->updater.canCheck = true;
+        m_user->open(Section::about);
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
+            QTest::keyClick(checkButton(), key);
+        QTRY_COMPARE_WITH_TIMEOUT(checks, 3, 30'000);
     }
 
     void spaceFlipsASwitch() {

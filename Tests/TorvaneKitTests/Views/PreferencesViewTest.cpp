@@ -121,6 +121,20 @@ private Q_SLOTS:
         QVERIFY(m_user->control<Switch>(u"Linea"_s)->hasFocus());
     }
 
+    void theFocusedNetworkKeepsTheFocusWhileAnotherWindowIsInUse() {
+        m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Base"_s, u"Linea"_s});
+        m_user->open(Section::networks);
+        m_user->control<Switch>(u"Linea"_s)->setFocus(Qt::TabFocusReason);
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other, 30'000));
+        m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Newcomer"_s, u"Linea"_s});
+        m_user->view->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_user->view.get(), 30'000));
+        QVERIFY(m_user->control<Switch>(u"Linea"_s)->hasFocus());
+    }
+
     void thePanelStaysWhereItIsScrolledToWhenNetworksCome() {
         QStringList names;
         for (int i = 0; i < 60; ++i)

@@ -105,6 +105,14 @@ private Q_SLOTS:
         QVERIFY(segment(m_control->selected())->hasFocus());
     }
 
+    void shortcutsAreLeftToOthers() {
+        const auto press = [this] {
+            for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier})
+                QTest::keyClick(segment(1), Qt::Key_Home, modifier);
+        };
+        QCOMPARE(chosenDuring(press), QList<int>());
+    }
+
     void theKeyboardStopsOnceAtTheSelectedSegment() {
         for (const int selected : {0, 1, 2}) {
             m_control->select(selected);

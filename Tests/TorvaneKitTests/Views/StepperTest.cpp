@@ -99,6 +99,12 @@ private Q_SLOTS:
         QCOMPARE(m_stepper->value(), to);
     }
 
+    void shortcutsAreLeftToOthers() {
+        for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier})
+            QTest::keyClick(m_stepper.get(), Qt::Key_Up, modifier);
+        QCOMPARE(m_stepper->value(), 10);
+    }
+
     void theButtonsStayWhereTheyAreWhileTheyAreClicked() {
         const int width = m_stepper->sizeHint().width();
         for (const qint64 value : {1, 9, 10, 80}) {

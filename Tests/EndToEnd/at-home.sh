@@ -1,0 +1,113 @@
+#!/usr/bin/env bash
+# at-home.sh PROGRAM RELAY ANCHOR PORT: the whole program in a real panel, from a start with nothing stored to its end,
+# as its user has it: by the badge, the popover and the keyboard alone. What is seen is read from the screen.
+#
+# SHOTS             a folder that keeps the pictures
+source "$(dirname "$0")/rig.sh"
+rig_enter "$@"
+source "$(dirname "$0")/relay.sh"
+program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
+
+# A badge of 22 pixels has 484; its corners and its hollows take some.
+least_pixels=60
+
+keep() {
+    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$RIG_PANEL-$1.png"
+}
+
+# Sets `badge` to the rectangle where the panel shows it.
+badge_appears() {
+    program_wait "the badge in the panel" panel_differs "$RIG/empty.png" "$least_pixels"
+    panel_settle
+    badge=$(difference_box "$RIG/empty.png" "$RIG/now.png")
+    cp "$RIG/now.png" "$RIG/badge.png"
+}
+
+popover_opens() {
+    click 1 "$badge"
+    program_wait "the popover" popover_is_open
+    program_wait "the popover's activation" popover_is_active
+}
+
+# It touches the panel's edge of the work area, and lies below the badge or, at the screen's side, as near as it can.
+popover_is_at_the_badge() {
+    local X Y WIDTH HEIGHT left width middle area_x area_y area_width area_height
+    eval "$(xdotool getwindowgeometry --shell "$(popover_id)")"
+    IFS='x+' read -r width _ left _ <<<"$badge"
+    middle=$((left + width / 2))
+    read -r area_x area_y area_width area_height < <(xprop -root _NET_WORKAREA | grep -o '[0-9].*' | tr -d ,)
+    [ "$Y" -eq "$area_y" ] && [ $((Y + HEIGHT)) -le $((area_y + area_height)) ] &&
+        [ "$X" -ge "$area_x" ] && [ $((X + WIDTH)) -le $((area_x + area_width)) ] &&
+        [ "$X" -le "$middle" ] && [ $((X + WIDTH)) -ge "$middle" ]
+}
+
+popover_closes() {
+    program_wait "the popover's end" rig_not popover_is_open
+}
+
+panel_start
+panel_settle
+cp "$RIG/now.png" "$RIG/empty.png"
+relay_start
+relay_order "baseFee 12.2"
+program_start "$program_under_test"
+badge_appears
+keep started
+rig_pass "with nothing stored the figure appears in $RIG_PANEL's panel, at $badge"
+
+popover_opens
+popover_is_at_the_badge || rig_fail "it opens at $(xdotool getwindowgeometry "$(popover_id)"), the badge is at $badge"
+keep popover
+click 1 "$badge"
+popover_closes
+rig_pass "a click opens the popover at the badge, another one closes it"
+
+before=$(requests_logged)
+relay_order "baseFee 88.8"
+popover_opens
+xdotool key ctrl+r
+program_wait "the end of a fetch" more_requests_logged "$before"
+program_wait "another figure in the panel" panel_differs "$RIG/badge.png" 10
+xdotool key Escape
+popover_closes
+rig_pass "the popover's shortcut fetches, and the badge follows"
+
+before=$(requests_logged)
+relay_order "answer off"
+popover_opens
+xdotool key ctrl+r
+program_wait "the failed fetch" more_requests_logged "$before"
+before=$(requests_logged)
+panel_settle
+cp "$RIG/now.png" "$RIG/badge.png"
+relay_order "answer normal"
+relay_order "baseFee 7.4"
+xdotool key ctrl+r
+program_wait "the end of a fetch" more_requests_logged "$before"
+program_wait "the figure after the relay's return" panel_differs "$RIG/badge.png" 10
+xdotool key Escape
+popover_closes
+rig_pass "the relay fails and comes back, and so does the figure"
+
+panel_stop KILL
+panel_start
+panel_settle
+badge_appears
+popover_opens
+popover_is_at_the_badge || rig_fail "after the panel's return it opens elsewhere"
+rig_pass "a panel that was killed shows the badge again, which opens the popover"
+
+xdotool key ctrl+comma
+preferences_are_open() {
+    xdotool search --onlyvisible --name '^velisk Preferences$' >/dev/null 2>&1
+}
+program_wait "the preferences" preferences_are_open
+xdotool key ctrl+w
+program_wait "the preferences' end" rig_not preferences_are_open
+popover_closes
+popover_opens
+xdotool key ctrl+q
+program_wait_end
+rig_wait "the badge to leave the panel" rig_not panel_differs "$RIG/empty.png" "$least_pixels"
+if grep -v '^org\.velisk\.Torvane\.net: ' "$RIG/log/program"; then rig_fail "it complained"; fi
+rig_pass "the shortcuts open the preferences and end the program, which leaves nothing behind"
