@@ -32,7 +32,7 @@ QString titleOf(const BadgeChain& chain) {
 
 ChainPicker::ChainPicker(const QString& name, QWidget* parent)
     : QComboBox(parent) {
-    readControls();
+    installControlAccessibility();
     setAccessibleName(name);
     setFont(Fonts::sans(12, QFont::Normal));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
