@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
+#include <unistd.h>
 
 namespace {
 
@@ -91,6 +92,7 @@ bool reportMemory(Desktop& desktop, int seconds) {
 }
 
 int measure(int rounds, int seconds) {
+    sync(); // The pages of a program that was just built count as dirty until they are on the disk.
     Desktop desktop;
     fillCache(desktop);
     desktop.populate();

@@ -57,8 +57,11 @@ void Popover::close() {
 }
 
 void Popover::rehearse() const {
-    if (!isOpen())
-        m_makeContent();
+    if (isOpen())
+        return;
+    const std::unique_ptr<QWidget> content = m_makeContent();
+    content->adjustSize();
+    content->grab();
 }
 
 void Popover::ended(PopoverEnd end) {

@@ -34,8 +34,8 @@ public:
 
     void close();
 
-    /// Makes a content once and discards it, unseen: what that loads, fonts above all, the first click does not wait
-    /// for.
+    /// Makes and draws a content once and discards it, unseen: what that loads, fonts above all, the first click does
+    /// not wait for.
     void rehearse() const;
 
 private:

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -41,6 +42,7 @@ PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badg
     content->installEventFilter(this);
     m_scroller->viewport()->installEventFilter(this);
     m_scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroller->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroller->setWidget(content.release());
     giveWay(*m_scroller);
 
@@ -65,6 +67,8 @@ void PopoverWindow::open() {
 bool PopoverWindow::eventFilter(QObject*, QEvent* event) {
     if (event->type() == QEvent::LayoutRequest)
         fit();
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Move)
+        lookBelowPointerSoon();
     return false;
 }
 
@@ -91,17 +95,45 @@ QSize PopoverWindow::contentSize() const {
 }
 
 void PopoverWindow::fit() {
-    QSize wanted = contentSize();
+    const QSize wanted = contentSize();
     m_scroller->widget()->resize(wanted);
-    const bool scrolls = wanted.height() > m_area.height();
-    if (scrolls && !m_bar) {
-        m_bar = new ThinScrollBar;
-        m_scroller->setVerticalScrollBar(m_bar);
-    }
-    if (scrolls)
-        wanted.rwidth() += m_bar->sizeHint().width();
-    m_scroller->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-    setGeometry(PopoverPlacement::place(wanted, m_badge, m_area));
+    const QRect place = PopoverPlacement::place(wanted, m_badge, m_area);
+    setGeometry(place);
+    const bool scrolls = wanted.height() > place.height();
+    if (scrolls && !m_bar)
+        addBar();
+    if (!m_bar)
+        return;
+    const int barWidth = m_bar->sizeHint().width();
+    m_bar->setGeometry(place.width() - barWidth, 0, barWidth, place.height());
+    m_bar->setVisible(scrolls);
+}
+
+/// Over the content's margin, where the scroll area itself would make room beside it: the width is the same for any
+/// number of networks.
+void PopoverWindow::addBar() {
+    m_bar = new ThinScrollBar;
+    m_scroller->setVerticalScrollBar(m_bar);
+    m_bar->setParent(m_scroller);
+}
+
+/// Rows move under a pointer that rests: by the wheel, with the keyboard's focus, or because one above them came. Qt
+/// looks for what lies below the pointer only when that moves. All moves of one turn of the loop are one.
+void PopoverWindow::lookBelowPointerSoon() {
+    if (m_isLookDue || !underMouse())
+        return;
+    m_isLookDue = true;
+    QMetaObject::invokeMethod(this, &PopoverWindow::lookBelowPointer, Qt::QueuedConnection);
+}
+
+void PopoverWindow::lookBelowPointer() {
+    m_isLookDue = false;
+    const QPoint pointer = QCursor::pos();
+    if (!isVisible() || !geometry().contains(pointer))
+        return;
+    QMouseEvent rest(QEvent::MouseMove, mapFromGlobal(pointer), pointer, Qt::NoButton, QGuiApplication::mouseButtons(),
+                     QGuiApplication::keyboardModifiers());
+    QCoreApplication::sendEvent(windowHandle(), &rest);
 }
 
 } // namespace torvane

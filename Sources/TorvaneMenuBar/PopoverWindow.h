@@ -13,7 +13,8 @@ namespace torvane {
 enum class PopoverEnd { escape, ownWindow, foreignWindow };
 
 /// The panel at the badge: a frame around a content that scrolls when the screen is too small for it. It has the
-/// content's size, follows it, and stays inside its screen's work area. The window goes when its user turns away from
+/// content's size, follows it, and stays inside its screen's work area. What comes to lie under a resting pointer is
+/// hovered. The window goes when its user turns away from
 /// it or types Escape; it tells, and the owner deletes it.
 class PopoverWindow final : public QWidget {
     Q_OBJECT
@@ -36,11 +37,15 @@ protected:
 private:
     QSize contentSize() const;
     void fit();
+    void addBar();
+    void lookBelowPointerSoon();
+    void lookBelowPointer();
 
     const QRect m_badge;
     const QRect m_area;
     QScrollArea* m_scroller;
     QScrollBar* m_bar = nullptr; // None before it is needed.
+    bool m_isLookDue = false;
 };
 
 } // namespace torvane

@@ -1,6 +1,8 @@
 #include "TorvaneApp.h"
 
+#include "Chain/NetworkClient.h"
 #include "Coordination/Notifications.h"
+#include "Support/FreedMemory.h"
 #include "Support/Notice.h"
 #include "TimerSettings.h"
 #include "Views/PopoverView.h"
@@ -8,6 +10,7 @@
 #include <QCoreApplication>
 
 #include <chrono>
+#include <utility>
 
 namespace torvane {
 
@@ -17,6 +20,9 @@ namespace {
 constexpr std::chrono::seconds rehearsalDelay{1};
 
 using namespace std::chrono_literals;
+
+/// A panel that is there takes the badge in a fraction of it.
+constexpr std::chrono::milliseconds patienceForBadge = 500ms;
 
 /// At login, panels take some seconds to appear.
 constexpr std::chrono::milliseconds patienceForPanels = 10s;
@@ -37,9 +43,25 @@ TorvaneApp::TorvaneApp()
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     GasNotifier::requestAuthorization();
-    QMetaObject::invokeMethod(
-        this, [this] { m_store.start(); }, Qt::QueuedConnection);
-    QTimer::singleShot(rehearsalDelay, &m_popover, &Popover::rehearse);
+    QTimer::singleShot(rehearsalDelay, this, &TorvaneApp::rehearse);
+}
+
+/// What a fetch takes is slow to load: the badge goes first.
+void TorvaneApp::begin() {
+    if (std::exchange(m_hasBegun, true))
+        return;
+    m_tasks.run(beginToFetch());
+}
+
+Task<> TorvaneApp::beginToFetch() {
+    Task<> ready = NetworkClient::prepare();
+    co_await ready;
+    m_store.start();
+}
+
+void TorvaneApp::rehearse() {
+    m_popover.rehearse();
+    returnFreedMemory(); // Of the whole start too.
 }
 
 void TorvaneApp::comeForward() {
@@ -48,12 +70,14 @@ void TorvaneApp::comeForward() {
 
 void TorvaneApp::connectBadge() {
     connect(&m_feed, &BadgeFeed::lookChanged, &m_badge, &BadgeHost::show);
+    connect(&m_badge, &BadgeHost::appeared, this, &TorvaneApp::begin);
     connect(&m_badge, &BadgeHost::clicked, &m_popover, &Popover::toggle);
     connect(&m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
     // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
     connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
             [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
     m_badge.show(m_feed.look());
+    QTimer::singleShot(patienceForBadge, this, &TorvaneApp::begin);
     m_patienceForPanels.setSingleShot(true);
     connect(&m_patienceForPanels, &QTimer::timeout, this, &TorvaneApp::tellWhetherSeen);
     m_patienceForPanels.start(patienceForPanels);

@@ -18,7 +18,7 @@ class TorvaneApp final : public QObject {
     Q_OBJECT
 
 public:
-    /// Needs a QApplication. The store starts with the main loop.
+    /// Needs a QApplication. The store starts when the badge is in a panel, or soon where there is none.
     TorvaneApp();
 
     /// Opens the popover, for somebody who started the program once more.
@@ -26,6 +26,9 @@ public:
 
 private:
     void connectBadge();
+    void begin();
+    Task<> beginToFetch();
+    void rehearse();
     void obey(BadgeCommand command);
     std::unique_ptr<QWidget> makePopoverView();
     void refresh();
@@ -44,6 +47,7 @@ private:
     BadgeHost m_badge;
     QTimer m_patienceForPanels;
     SystemChanges m_systemChanges;
+    bool m_hasBegun = false;
     TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 

@@ -2,6 +2,7 @@
 #include "Launch.h"
 #include "Model/Config.h"
 #include "Platform/TerminationSignals.h"
+#include "Support/FreedMemory.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -30,6 +31,7 @@ int main(int argc, char** argv) {
     if (const auto answer = torvane::answerToArguments(arguments))
         return print(*answer);
 
+    torvane::shareMemoryAmongThreads();
     // A connection that its server has closed is reported where it is written to, not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // A file that may not grow further is a failed write, which the next one mends.

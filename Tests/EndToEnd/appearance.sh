@@ -22,10 +22,6 @@ ground_is() {
     [ "$(import -window root -crop 1x1+"$ground_x+$ground_y" +repage -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}')" = "$1" ]
 }
 
-popover_is_open() {
-    xdotool search --onlyvisible --name '^velisk$' >/dev/null 2>&1
-}
-
 keep() {
     [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
 }
@@ -45,7 +41,7 @@ program_wait "the item's registration" item_is_registered
 program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 200
 click 1 "$(difference_box "$RIG/empty.png" "$RIG/now.png")"
 program_wait "the popover" popover_is_open
-eval "$(xdotool search --onlyvisible --name '^velisk$' getwindowgeometry --shell | grep -E '^[XY]=')"
+eval "$(xdotool getwindowgeometry --shell "$(popover_id)" | grep -E '^[XY]=')"
 ground_x=$((X + 172)) ground_y=$((Y + 100))
 dark=#1A1A18
 light=#FBFAF9

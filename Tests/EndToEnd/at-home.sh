@@ -29,10 +29,6 @@ popover_opens() {
     program_wait "the popover's activation" popover_is_active
 }
 
-popover_is_active() {
-    [ "$(xdotool getactivewindow 2>/dev/null)" = "$(popover_id)" ]
-}
-
 # It touches the panel's edge of the work area, and lies below the badge or, at the screen's side, as near as it can.
 popover_is_at_the_badge() {
     local X Y WIDTH HEIGHT left width middle area_x area_y area_width area_height

@@ -7,14 +7,6 @@ program_under_test=$1
 blur=_KDE_NET_WM_BLUR_BEHIND_REGION
 white=#FFFFFF
 
-popover_id() {
-    xdotool search --onlyvisible --name '^velisk$' 2>/dev/null
-}
-
-popover_is_open() {
-    popover_id >/dev/null
-}
-
 item_name() {
     dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.ListNames |
         grep -o 'org.kde.StatusNotifierItem-[0-9-]*'

@@ -14,14 +14,6 @@ keep() {
 sed -i '/name="plugin-ids"/,/<\/property>/ s/<value type="int" value="3"\/>//' \
     "$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
 
-popover_id() {
-    xdotool search --onlyvisible --name '^velisk$' 2>/dev/null
-}
-
-popover_is_open() {
-    popover_id >/dev/null
-}
-
 # The window's rectangle as WxH+X+Y.
 popover_box() {
     xdotool getwindowgeometry --shell "$(popover_id)" |
@@ -30,10 +22,6 @@ popover_box() {
 
 popover_has_box() {
     [ "$(popover_box)" = "$1" ]
-}
-
-popover_is_active() {
-    [ "$(xdotool getactivewindow)" = "$(popover_id)" ]
 }
 
 badge_click() {
@@ -79,7 +67,7 @@ for height in 400 500 600 700; do
     program_wait "a height of $height" popover_has_box "344x$height+$right+$area_y"
 done
 xdotool key g
-program_wait "all of the work area" popover_has_box "354x$area_height+$((right - 10))+$area_y"
+program_wait "all of the work area" popover_has_box "344x$area_height+$right+$area_y"
 keep scrolling.png
 rig_pass "it grows with its content as far as the work area goes, then scrolls"
 

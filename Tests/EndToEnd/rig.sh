@@ -248,6 +248,10 @@ popover_is_open() {
     popover_id >/dev/null
 }
 
+popover_is_active() {
+    [ "$(xdotool getactivewindow 2>/dev/null)" = "$(popover_id)" ]
+}
+
 screenshot() {
     import -window root "$1"
 }

@@ -62,6 +62,22 @@ void shrinkFigures(Snapshot& snapshot) {
     snapshot.l2[0].costGwei = 0.0000123;
 }
 
+/// What no relay should send.
+void estrange(Snapshot& snapshot) {
+    snapshot.gas.baseFee = 3e38;
+    snapshot.gas.high = 1e-30;
+    snapshot.gas.history = {1e300, 0, 5e299};
+    snapshot.price.eth = 1e15;
+    snapshot.price.change24h = -1e9;
+    const QStringList names{u"שלום עולם רשת"_s, u"🦄🌈 Chain"_s, u"<h1>Base</h1>"_s, {}, u"Line\nbreak"_s, u"X"_s};
+    for (qsizetype i = 0; i < names.size(); ++i)
+        snapshot.l2[i].name = names[i];
+    snapshot.l2[0].costGwei = 1e-25;
+    snapshot.l2[1].costGwei = 1e17;
+    snapshot.l2[2].status = u"Elevated beyond anything that was ever seen on this network"_s;
+    snapshot.l2[4].costGwei = 1e40;
+}
+
 const QList<State> states{
     {"usual", [](PopoverScene&) {}},
     {"touched", [](PopoverScene&) {}, touchRows},
@@ -89,6 +105,7 @@ const QList<State> states{
     {"usd", [](PopoverScene& scene) { scene.settings.denom = Denomination::usd; }},
     {"german", [](PopoverScene&) { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }},
     {"tiny", [](PopoverScene& scene) { scene.change(shrinkFigures); }},
+    {"strange", [](PopoverScene& scene) { scene.change(estrange); }},
 };
 
 /// The view on a window's ground, upon something of a desktop.

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void itFollowsItsContent();
     void contentTallerThanTheScreenScrolls();
     void contentThatBecomesTallScrolls();
+    void whatComesToLieUnderARestingPointerIsHovered();
     void contentWhoseHeightGoesByItsWidthIsAsHigh();
     void theWindowIsATranslucentToolOnTop();
     void keysAreTheContents();
@@ -259,15 +260,20 @@ void PopoverTest::contentTallerThanTheScreenScrolls() {
     showOpen(popover);
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
     const auto* scroller = window()->findChild<QScrollArea*>();
-    const QScrollBar* bar = scroller->verticalScrollBar();
+    QScrollBar* bar = scroller->verticalScrollBar();
     QVERIFY(bar);
     QVERIFY(area.contains(window()->geometry()));
     QCOMPARE(window()->height(), area.height());
-    QCOMPARE(window()->width(), contentWidth + bar->sizeHint().width());
+    QCOMPARE(window()->width(), contentWidth);
     QCOMPARE(m_content->size(), QSize(contentWidth, 5000));
     QTRY_VERIFY(bar->isVisible());
+    const QRect place(bar->mapTo(window(), QPoint()), bar->size());
+    QCOMPARE(place, QRect(contentWidth - bar->sizeHint().width(), 0, bar->sizeHint().width(), area.height()));
     QTest::keyClick(window()->windowHandle(), Qt::Key_PageDown);
     QVERIFY(bar->value() > 0);
+    QTRY_COMPARE(m_content->y(), -bar->value());
+    bar->setValue(bar->maximum());
+    QTRY_COMPARE(m_content->y(), area.height() - 5000);
 }
 
 void PopoverTest::contentThatBecomesTallScrolls() {
@@ -282,6 +288,28 @@ void PopoverTest::contentThatBecomesTallScrolls() {
     QTRY_COMPARE(window()->geometry(), expectedPlace(400));
     QTRY_COMPARE(m_content->size(), QSize(contentWidth, 400));
     QVERIFY(!scroller->verticalScrollBar()->isVisible());
+}
+
+void PopoverTest::whatComesToLieUnderARestingPointerIsHovered() {
+    m_height = 5000;
+    Popover popover(makeContent());
+    showOpen(popover);
+    QList<QWidget*> rows;
+    for (int i = 0; i < 100; ++i) {
+        rows.append(new QWidget(m_content));
+        rows.last()->setGeometry(0, i * 50, contentWidth, 50);
+        rows.last()->show();
+    }
+    QTest::mouseMove(rows[2], {100, 25});
+    QTRY_VERIFY(rows[2]->underMouse());
+    window()->findChild<QScrollArea*>()->verticalScrollBar()->setValue(50);
+    QTRY_VERIFY(rows[3]->underMouse());
+    QVERIFY(!rows[2]->underMouse());
+    rows[0]->move(0, 150);
+    rows[0]->raise();
+    m_content->updateGeometry(); // As a layout does that has moved its parts.
+    QTRY_VERIFY(rows[0]->underMouse());
+    QVERIFY(!rows[3]->underMouse());
 }
 
 void PopoverTest::contentWhoseHeightGoesByItsWidthIsAsHigh() {

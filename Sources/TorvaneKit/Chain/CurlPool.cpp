@@ -8,15 +8,15 @@ namespace torvane {
 
 CurlPool::CurlPool(QObject* parent)
     : QObject(parent)
-    , m_multi(curl_multi_init())
+    , m_multi(curl().multi_init())
     , m_timer(this) {
     Q_CHECK_PTR(m_multi);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
-    curl_multi_setopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlPool::socketChanged);
-    curl_multi_setopt(m_multi, CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlPool::timerChanged);
-    curl_multi_setopt(m_multi, CURLMOPT_TIMERDATA, this);
+    curl().multi_setopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlPool::socketChanged);
+    curl().multi_setopt(m_multi, CURLMOPT_SOCKETDATA, this);
+    curl().multi_setopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlPool::timerChanged);
+    curl().multi_setopt(m_multi, CURLMOPT_TIMERDATA, this);
 }
 
 CurlPool::~CurlPool() {
@@ -25,17 +25,17 @@ CurlPool::~CurlPool() {
         remove(transfer);
         transfer.abandon();
     }
-    curl_multi_cleanup(m_multi);
+    curl().multi_cleanup(m_multi);
 }
 
 void CurlPool::add(Transfer& transfer) {
     m_transfers.insert(&transfer);
-    curl_multi_add_handle(m_multi, transfer.easy());
+    curl().multi_add_handle(m_multi, transfer.easy());
 }
 
 void CurlPool::remove(Transfer& transfer) {
     // Does not wait for a resolver that is still busy: the handle is set to exit quickly.
-    curl_multi_remove_handle(m_multi, transfer.easy());
+    curl().multi_remove_handle(m_multi, transfer.easy());
     forget(transfer);
 }
 
@@ -77,20 +77,20 @@ int CurlPool::timerChanged(CURLM*, long milliseconds, void* pool) {
 
 void CurlPool::act(curl_socket_t socket, int event) {
     int running = 0;
-    curl_multi_socket_action(m_multi, socket, event, &running);
+    curl().multi_socket_action(m_multi, socket, event, &running);
     deliver();
 }
 
 void CurlPool::deliver() {
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(m_multi, &left)) {
+    while (const CURLMsg* message = curl().multi_info_read(m_multi, &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
         const CURLcode code = message->data.result; // Removing the handle frees the message.
         CURL* easy = message->easy_handle;
         void* transfer = nullptr;
-        curl_easy_getinfo(easy, CURLINFO_PRIVATE, &transfer);
-        curl_multi_remove_handle(m_multi, easy);
+        curl().easy_getinfo(easy, CURLINFO_PRIVATE, &transfer);
+        curl().multi_remove_handle(m_multi, easy);
         forget(*static_cast<Transfer*>(transfer));
         static_cast<Transfer*>(transfer)->finish(code);
     }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "Chain/CurlLibrary.h"
+
 #include <QSocketNotifier>
 #include <QTimer>
-#include <curl/curl.h>
 
 #include <memory>
 #include <unordered_map>

@@ -25,20 +25,20 @@ CurlSession* CurlSession::instance() {
 }
 
 CurlSession::CurlSession() {
-    static const CURLcode global = curl_global_init(CURL_GLOBAL_DEFAULT);
+    static const CURLcode global = curl().global_init(CURL_GLOBAL_DEFAULT);
     if (global != CURLE_OK)
-        qFatal("libcurl does not start: %s", curl_easy_strerror(global));
-    m_share = curl_share_init();
+        qFatal("libcurl does not start: %s", curl().easy_strerror(global));
+    m_share = curl().share_init();
     Q_CHECK_PTR(m_share);
     // Each request has a handle of its own; without this each reconnection would be a full handshake.
-    curl_share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+    curl().share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
     m_pool = new CurlPool(this);
 }
 
 CurlSession::~CurlSession() {
     const QObjectList pools = children();
     qDeleteAll(pools); // The transfers in flight let go of the share.
-    curl_share_cleanup(m_share);
+    curl().share_cleanup(m_share);
 }
 
 void CurlSession::dropPooledConnections() {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Chain/CurlLibrary.h"
+
 #include <QObject>
-#include <curl/curl.h>
 
 #include <memory>
 

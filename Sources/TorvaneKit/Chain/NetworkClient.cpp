@@ -100,6 +100,11 @@ Task<Answer> askAlongRedirects(const Request& request) {
 
 } // namespace
 
+Task<> NetworkClient::prepare() {
+    const auto load = [] { return &curl(); };
+    co_await detached(load);
+}
+
 Task<QByteArray> NetworkClient::request(Request request) {
     RequestLog log(request.method, request.url);
     Task<Answer> exchange = askAlongRedirects(request);

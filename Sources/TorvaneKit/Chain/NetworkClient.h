@@ -37,6 +37,9 @@ struct Request final {
 /// Main thread only.
 namespace NetworkClient {
 
+/// Loads what all requests need, away from the main thread. The first request waits for it otherwise.
+Task<> prepare();
+
 /// Yields the body of a 2xx answer. Throws NetworkFailure for any other answer, TransportFailure where there is none.
 /// Destroying the task cancels the request. The redirects of a GET are followed, to https alone; those of other methods
 /// are the failure that their status code says. No request lasts longer than a minute. Writes one line to the log.

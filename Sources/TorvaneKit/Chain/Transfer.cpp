@@ -32,7 +32,7 @@ Transfer::~Transfer() {
 
 template <class Value>
 void Transfer::set(CURLoption option, Value value) {
-    const CURLcode code = curl_easy_setopt(m_easy.get(), option, value);
+    const CURLcode code = curl().easy_setopt(m_easy.get(), option, value);
     if (m_setUp == CURLE_OK)
         m_setUp = code;
 }
@@ -103,7 +103,7 @@ void Transfer::setUpHeaders() {
     for (const auto& [name, value] : m_hop.headers)
         lines.append(value.isEmpty() ? name + ';' : name + ": " + value); // libcurl's way to send an empty one
     for (const QByteArray& line : lines) {
-        curl_slist* extended = curl_slist_append(m_headers.get(), line.constData());
+        curl_slist* extended = curl().slist_append(m_headers.get(), line.constData());
         Q_CHECK_PTR(extended);
         if (!m_headers)
             m_headers.reset(extended);
@@ -116,11 +116,11 @@ void Transfer::start(detail::Suspended awaiting) {
     CurlSession* session = CurlSession::instance();
     if (!session)
         return fail({TransportFailure::Cause::cancelled, "the application is ending"});
-    m_easy.reset(curl_easy_init());
+    m_easy.reset(curl().easy_init());
     Q_CHECK_PTR(m_easy.get());
     setUp();
     if (m_setUp != CURLE_OK)
-        return fail({TransportFailure::Cause::invalidRequest, m_setUp, curl_easy_strerror(m_setUp)});
+        return fail({TransportFailure::Cause::invalidRequest, m_setUp, curl().easy_strerror(m_setUp)});
     m_sinceActivity.start();
     m_idleTimer.start(m_hop.idleLimit);
     m_pool = &session->pool();
@@ -168,7 +168,7 @@ void Transfer::checkIdleness() {
 void Transfer::finish(CURLcode code) {
     m_pool = nullptr;
     long status = 0;
-    curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl().easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
     if (isNotHTTP(code)) {
         m_answer = {};
         return end();
@@ -184,7 +184,7 @@ void Transfer::finish(CURLcode code) {
     const auto cause = m_isTooLarge ? TransportFailure::Cause::tooLarge
                        : isTimeOut  ? TransportFailure::Cause::timedOut
                                     : TransportFailure::Cause::connection;
-    const char* text = m_errorText.front() != '\0' ? m_errorText.data() : curl_easy_strerror(code);
+    const char* text = m_errorText.front() != '\0' ? m_errorText.data() : curl().easy_strerror(code);
     fail({cause, code, text});
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Chain/CurlLibrary.h"
 #include "Chain/HTTPMessage.h"
 #include "Chain/NetworkFailure.h"
 #include "Support/Async.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
-#include <curl/curl.h>
 
 #include <array>
 #include <memory>
@@ -48,9 +48,9 @@ public:
 
 private:
     struct Cleanup {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+        void operator()(CURL* easy) const { curl().easy_cleanup(easy); }
 
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+        void operator()(curl_slist* list) const { curl().slist_free_all(list); }
     };
 
     static std::size_t received(char* bytes, std::size_t size, std::size_t count, void* transfer);

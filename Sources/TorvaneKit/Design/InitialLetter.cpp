@@ -23,9 +23,22 @@ constexpr double room = 17;
 /// Names come from outside, and there are many letters.
 constexpr int mostOutlines = 128;
 
-QString firstGrapheme(const QString& text) {
+/// More than any letter has code units, with thirty marks at the most (stream-safe text in Unicode's annex 15).
+constexpr qsizetype longestLetter = 64;
+
+/// Not so blanks, and what says how the text after it is to be laid out, such as its direction.
+bool isSeen(QChar character) {
+    const QChar::Category category = character.category();
+    return !character.isSpace() && category != QChar::Other_Control && category != QChar::Other_Format;
+}
+
+QStringView fromFirstSeen(QStringView text) {
+    return {std::find_if(text.begin(), text.end(), isSeen), text.end()};
+}
+
+QString firstGrapheme(QStringView text) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    return text.first(std::max<qsizetype>(finder.toNextBoundary(), 0));
+    return text.first(std::max<qsizetype>(finder.toNextBoundary(), 0)).toString();
 }
 
 QPainterPath drawnOutline(const QString& letter, const QFont& font) {
@@ -47,8 +60,9 @@ QPainterPath drawnOutline(const QString& letter, const QFont& font) {
 } // namespace
 
 QString InitialLetter::of(const QString& name) {
-    // One letter may have two in upper case.
-    return firstGrapheme(firstGrapheme(name.trimmed()).toUpper());
+    const QStringView seen = fromFirstSeen(name);
+    const QString letter = firstGrapheme(seen.first(std::min(seen.size(), longestLetter)));
+    return firstGrapheme(letter.toUpper()); // One letter may have two in upper case.
 }
 
 QPainterPath InitialLetter::outline(const QString& letter) {

@@ -7,8 +7,8 @@
 namespace torvane::InitialLetter {
 
 /// The first letter as a reader sees it, in upper case: with the marks that combine with it, and all of a character
-/// outside the basic plane (extended grapheme clusters of Unicode's annex 29). Blanks before it do not count. Empty
-/// when there is none.
+/// outside the basic plane (extended grapheme clusters of Unicode's annex 29). Blanks and other characters that are not
+/// seen do not count before it. Empty when there is none.
 QString of(const QString& name);
 
 /// The letter's outline, 13 units to the em, in the middle of a box of 24 by 24 units; a wide one is made to fit.

@@ -72,16 +72,10 @@ const QHash<QString, Symbol>& Symbols::byName() {
           line}},
         {u"info.circle"_s,
          {u"M10.65 7.9A1.35 1.35 0 1 1 13.35 7.9A1.35 1.35 0 1 1 10.65 7.9Z"_s,
-          u"M12 11.4V16.6M3 12A9 9 0 1 1 21 12A9 9 0 1 1 3 12Z"_s, line}},
+          u"M12 11.4V16.6M3 12A9 9 0 1 1 21 12A9 9 0 1 1 3 12Z"_s, line, true}},
         {u"minus"_s, {QString(), u"M4 12H20"_s, signLine, true}},
         {u"plus"_s, {QString(), u"M4 12H20M12 4V20"_s, signLine, true}},
         {u"chevron.down"_s, {QString(), u"M5 9L12 16L19 9"_s, slantedLine}},
-        {u"checkmark"_s, {QString(), u"M4.4 12.8L9.6 18L19.6 6.6"_s, slantedLine}},
-        {u"doc.on.doc"_s,
-         {QString(),
-          u"M8.6 15.4H5A2 2 0 0 1 3 13.4V5A2 2 0 0 1 5 3H13.4A2 2 0 0 1 15.4 5V8.6M8.6 10.6"
-          "A2 2 0 0 1 10.6 8.6L19 8.6A2 2 0 0 1 21 10.6L21 19A2 2 0 0 1 19 21L10.6 21A2 2 0 0 1 8.6 19Z"_s,
-          line}},
     };
     return symbols;
 }

@@ -124,10 +124,9 @@ void VisualEffect::shapeWindow() {
         window()->setMask(outline(place, radius));
     else
         window()->clearMask();
-    if (m_look.isBlurred) {
-        const double scale = devicePixelRatio();
-        X11::setBlurBehind(window()->winId(), outline(scaled(place, scale), qRound(radius * scale)));
-    }
+    const double scale = devicePixelRatio();
+    X11::setBlurBehind(window()->winId(),
+                       m_look.isBlurred ? outline(scaled(place, scale), qRound(radius * scale)) : QRegion());
 }
 
 void VisualEffect::paintEvent(QPaintEvent* event) {

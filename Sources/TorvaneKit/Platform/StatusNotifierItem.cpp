@@ -235,6 +235,7 @@ void StatusNotifierItem::registerWithPanel() {
         panelAnswered(watcher);
     });
     m_registration = watcher;
+    Q_EMIT announced();
 }
 
 void StatusNotifierItem::panelAnswered(const QDBusPendingCallWatcher* call) {

@@ -52,6 +52,9 @@ public:
 
     void showMenu(const QList<MenuEntry>& entries) { m_menu.show(entries); }
 
+    /// Whether a panel has been told of the item yet: before that, nobody asks how it looks.
+    bool isAnnounced() const { return !m_name.isEmpty(); }
+
     /// Whether the present panel has taken the item in.
     bool isRegistered() const { return m_registered; }
 
@@ -61,6 +64,8 @@ Q_SIGNALS:
     void secondaryActivated(QPoint position);
     void contextMenuRequested(QPoint position);
     void menuEntryTriggered(int id);
+    /// The panel is being told of the item. It will ask how it looks as soon as the loop runs again.
+    void announced();
     void registeredChanged(bool registered);
 
 private:

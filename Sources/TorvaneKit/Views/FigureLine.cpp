@@ -1,6 +1,7 @@
 #include "Views/FigureLine.h"
 
 #include "Design/DesignSystem.h"
+#include "Views/HiddenText.h"
 
 #include <cmath>
 
@@ -54,9 +55,21 @@ double FigureLine::unitWidth() const {
     return m_unit.text().isEmpty() ? 0 : gap + m_unit.width();
 }
 
+double FigureLine::valueRoom() const {
+    return width() - std::ceil(unitWidth());
+}
+
+bool FigureLine::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        showHiddenText(*event, m_value.fits(valueRoom()) ? QString() : accessibleName(), *this);
+        return true;
+    }
+    return QWidget::event(event);
+}
+
 void FigureLine::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const double valueEnd = width() - std::ceil(unitWidth());
+    const double valueEnd = valueRoom();
     painter.setPen(Palette::ink);
     m_value.drawRight(painter, QPointF(valueEnd, m_baseline), valueEnd);
     painter.setPen(Palette::ink3);

@@ -20,7 +20,8 @@ struct Figure {
     bool operator==(const Figure&) const = default;
 };
 
-/// A large figure with a small unit behind it, right-aligned on one baseline.
+/// A large figure with a small unit behind it, right-aligned on one baseline. One that is too long ends in "…" and has
+/// the whole as its tool tip.
 class FigureLine final : public QWidget, public AccessiblePart {
     Q_OBJECT
 
@@ -36,10 +37,12 @@ public:
     QString accessibleValue() const override { return accessibleName(); }
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     double unitWidth() const;
+    double valueRoom() const;
 
     TextRun m_value;
     TextRun m_unit;

@@ -4,9 +4,7 @@
 #include "Views/ChartView.h"
 #include "Views/Composition.h"
 #include "Views/FigureLine.h"
-
-#include <QHelpEvent>
-#include <QToolTip>
+#include "Views/HiddenText.h"
 
 namespace torvane {
 
@@ -47,8 +45,7 @@ double L2Detail::labelRoom() const {
 
 bool L2Detail::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        const QString hidden = m_label.isNameCut(labelRoom()) ? m_label.name() : QString();
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), hidden, this);
+        showHiddenText(*event, m_label.isNameCut(labelRoom()) ? m_label.name() : QString(), *this);
         return true;
     }
     return QWidget::event(event);

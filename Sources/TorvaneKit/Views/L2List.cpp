@@ -6,6 +6,8 @@
 #include "Views/PopoverText.h"
 #include "Views/Sparkline.h"
 
+#include <memory>
+
 namespace torvane {
 
 L2List::L2List(QWidget* parent)
@@ -40,12 +42,20 @@ void L2List::placeSpark(const Row& row) const {
 
 void L2List::setRowCount(qsizetype count) {
     while (m_rows.size() > count)
-        delete m_rows.takeLast().row;
+        removeLastRow();
     while (m_rows.size() < count) {
         auto* row = new L2Row;
         m_rows.append({row, new Sparkline(row)});
         m_layout->addWidget(row);
     }
+}
+
+/// The keyboard's focus moves up, or to what comes first where no row is left: without any, keys would reach nothing.
+void L2List::removeLastRow() {
+    const std::unique_ptr<L2Row> row(m_rows.takeLast().row);
+    if (row->hasFocus() && !m_rows.isEmpty())
+        m_rows.last().row->setFocus(Qt::OtherFocusReason);
+    row->hide();
 }
 
 void L2List::fill(const Row& row, const L2Entry& entry, Denomination denom) const {

@@ -37,6 +37,7 @@ private:
     };
 
     void setRowCount(qsizetype count);
+    void removeLastRow();
     void placeSpark(const Row& row) const;
     void fill(const Row& row, const L2Entry& entry, Denomination denom) const;
 

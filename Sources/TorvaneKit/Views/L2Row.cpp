@@ -1,9 +1,9 @@
 #include "Views/L2Row.h"
 
+#include "Views/HiddenText.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QHelpEvent>
-#include <QToolTip>
 
 #include <chrono>
 #include <cmath>
@@ -17,6 +17,8 @@ namespace {
 constexpr int rowHeight = 34;
 constexpr int padding = 14;
 constexpr int gap = 10;
+constexpr int nameGap = 6;
+constexpr int leastName = 62;
 constexpr int chartWidth = 62;
 constexpr int chartHeight = 24;
 constexpr auto copiedFor = 1500ms;
@@ -25,8 +27,7 @@ QFont figureFont() {
     return Fonts::mono(12, QFont::Normal);
 }
 
-/// The room that any usual figure fits in, so that the charts of all rows stand below each other.
-int figureRoom() {
+int usualFigureWidth() {
     TextRun usual(figureFont());
     usual.setText(QStringLiteral("0.00000 gwei"));
     return static_cast<int>(std::ceil(usual.width()));
@@ -36,6 +37,7 @@ int figureRoom() {
 
 L2Row::L2Row(QWidget* parent)
     : PlainButton(parent)
+    , m_usualFigure(usualFigureWidth())
     , m_label(Fonts::sans(12, QFont::Medium), Fonts::mono(10, QFont::Normal))
     , m_primary(figureFont()) {
     m_copied.setSingleShot(true);
@@ -70,22 +72,38 @@ void L2Row::copy() {
 }
 
 QRect L2Row::chartColumn(int rowWidth) const {
-    const int figure = std::max(figureRoom(), static_cast<int>(std::ceil(m_primary.width())));
-    return {rowWidth - padding - figure - gap - chartWidth, (rowHeight - chartHeight) / 2, chartWidth, chartHeight};
+    const int left = rowWidth - padding - figureColumn(rowWidth) - gap - chartWidth;
+    return {left, (rowHeight - chartHeight) / 2, chartWidth, chartHeight};
+}
+
+/// The same in all rows, so that their charts stand below each other. An unusual figure has more, as far as something
+/// is left for the name.
+int L2Row::figureColumn(int rowWidth) const {
+    const int others = 2 * padding + static_cast<int>(NetworkLabel::textStart) + leastName + nameGap + chartWidth + gap;
+    const int wanted = static_cast<int>(std::ceil(m_primary.width()));
+    return std::max(m_usualFigure, std::min(wanted, rowWidth - others));
 }
 
 double L2Row::labelRoom() const {
-    return std::max(NetworkLabel::textStart, chartColumn(width()).left() - 6.0 - padding);
+    return std::max(NetworkLabel::textStart, double(chartColumn(width()).left() - nameGap - padding));
 }
 
 QSize L2Row::sizeHint() const {
-    return {2 * padding + static_cast<int>(NetworkLabel::textStart) + figureRoom() + gap + chartWidth, rowHeight};
+    return {2 * padding + static_cast<int>(NetworkLabel::textStart) + m_usualFigure + gap + chartWidth, rowHeight};
+}
+
+QString L2Row::hiddenText() const {
+    QStringList hidden;
+    if (m_label.isNameCut(labelRoom()))
+        hidden.append(m_name);
+    if (!m_primary.fits(figureColumn(width())))
+        hidden.append(m_primary.text());
+    return hidden.join(QStringLiteral(" · "));
 }
 
 bool L2Row::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        const QString hidden = m_label.isNameCut(labelRoom()) ? m_name : QString();
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), hidden, this);
+        showHiddenText(*event, hiddenText(), *this);
         return true;
     }
     return PlainButton::event(event);
@@ -95,8 +113,8 @@ void L2Row::paintContent(QPainter& painter) {
     const QColor statusColor = m_copied.isActive() ? Palette::pos : l2StatusColor(m_status);
     m_label.paint(painter, {padding, (rowHeight - NetworkLabel::height) / 2}, labelRoom(), statusColor);
     painter.setPen(Palette::ink);
-    const double room = width() - 2 * padding - NetworkLabel::textStart;
-    m_primary.drawRight(painter, QPointF(width() - padding, TextRun::baseline(figureFont(), rowHeight)), room);
+    const QPointF baseline(width() - padding, TextRun::baseline(figureFont(), rowHeight));
+    m_primary.drawRight(painter, baseline, figureColumn(width()));
 }
 
 } // namespace torvane

@@ -34,8 +34,11 @@ protected:
 private:
     void copy();
     void showStatus();
+    int figureColumn(int rowWidth) const;
     double labelRoom() const;
+    QString hiddenText() const;
 
+    const int m_usualFigure; ///< the width that any usual figure fits in
     NetworkLabel m_label;
     TextRun m_primary;
     QString m_name;

@@ -28,13 +28,26 @@ PlainButton::PlainButton(QWidget* parent)
 void PlainButton::focusInEvent(QFocusEvent* event) {
     // A click says where it goes by itself; a window that comes back shows what it showed.
     if (event->reason() == Qt::MouseFocusReason)
-        m_isFocusShown = false;
+        showFocus(false);
     else if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
-        m_isFocusShown = true;
+        showFocus(true);
     QAbstractButton::focusInEvent(event);
 }
 
+void PlainButton::showFocus(bool isShown) {
+    if (isShown == m_isFocusShown)
+        return;
+    m_isFocusShown = isShown;
+    update();
+}
+
+void PlainButton::mousePressEvent(QMouseEvent* event) {
+    showFocus(false);
+    QAbstractButton::mousePressEvent(event);
+}
+
 void PlainButton::keyPressEvent(QKeyEvent* event) {
+    showFocus(true);
     if (pressByReturn(*this, *event))
         return;
     switch (event->key()) {
@@ -56,7 +69,7 @@ void PlainButton::paintEvent(QPaintEvent*) {
         if (isDown() || underMouse())
             fillRoundedRect(painter, shape, radius, isDown() ? Palette::surface3 : Palette::surface2);
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(QColor(Palette::ink3), focusWidth));
+        painter.setPen(QPen(QColor(Palette::ink2), focusWidth));
         const double half = focusWidth / 2;
         if (isFocusShown)
             painter.drawRoundedRect(shape.adjusted(half, half, -half, -half), radius - half, radius - half);

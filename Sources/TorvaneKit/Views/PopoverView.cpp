@@ -189,8 +189,11 @@ QWidget* PopoverView::actionRow(const QString& label, const QString& trailing, Q
     const QKeyCombination control(Qt::ControlModifier, key);
     auto* button = new ActionRow(label, trailing, control);
     connect(button, &QAbstractButton::clicked, this, action);
-    for (const QKeyCombination keys : {control, QKeyCombination(Qt::MetaModifier, key)})
-        connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
+    for (const QKeyCombination keys : {control, QKeyCombination(Qt::MetaModifier, key)}) {
+        auto* shortcut = new QShortcut(keys, this);
+        shortcut->setAutoRepeat(false); // A held key asks once, as a held button does.
+        connect(shortcut, &QShortcut::activated, this, action);
+    }
     return button;
 }
 

@@ -1,7 +1,6 @@
 #include "Views/TextLine.h"
 
-#include <QHelpEvent>
-#include <QToolTip>
+#include "Views/HiddenText.h"
 
 #include <cmath>
 
@@ -33,12 +32,13 @@ TextLine::TextLine(const TextStyle& style, const QString& text, QWidget* parent)
 }
 
 void TextLine::setText(const QString& text, const QString& shorter) {
-    const QSize before = sizeHint();
-    m_shorter.setText(shorter);
-    if (!m_run.setText(text))
+    const std::pair before(sizeHint(), minimumSizeHint());
+    const bool isOtherShorter = m_shorter.setText(shorter);
+    const bool isOtherText = m_run.setText(text);
+    if (!isOtherText && !isOtherShorter)
         return;
     tellAccessibleName(*this, m_run.text());
-    if (sizeHint() != before)
+    if (before != std::pair(sizeHint(), minimumSizeHint()))
         updateGeometry();
     update();
 }
@@ -64,7 +64,7 @@ bool TextLine::isCut() const {
 
 bool TextLine::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), isCut() ? m_run.text() : QString(), this);
+        showHiddenText(*event, isCut() ? m_run.text() : QString(), *this);
         return true;
     }
     return QWidget::event(event);

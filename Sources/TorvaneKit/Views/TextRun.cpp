@@ -1,11 +1,19 @@
 #include "Views/TextRun.h"
 
+#include <QCoreApplication>
 #include <QFontMetricsF>
 #include <QTextLayout>
 
 #include <cmath>
 
 namespace torvane {
+
+namespace {
+
+/// The popover and the preferences have about half as many texts.
+constexpr qsizetype mostKnownShapes = 256;
+
+} // namespace
 
 bool TextRun::setText(const QString& text) {
     const QString line = text.simplified();
@@ -19,7 +27,7 @@ bool TextRun::setText(const QString& text) {
 
 double TextRun::width() const {
     if (!m_whole)
-        m_whole = shaped(m_text);
+        m_whole = shaped(m_text.left(mostDrawn));
     return m_whole->width;
 }
 
@@ -46,7 +54,26 @@ int TextRun::baseline(const QFont& font, double height) {
     return static_cast<int>(std::lround((height - metrics.ascent() - metrics.descent()) / 2 + metrics.ascent()));
 }
 
+TextRun::KnownShapes& TextRun::knownShapes() {
+    static KnownShapes known(mostKnownShapes);
+    // Glyphs hold on to their fonts, which go with the application object.
+    [[maybe_unused]] static const bool isClearedInTime = [] {
+        qAddPostRoutine([] { known.clear(); });
+        return true;
+    }();
+    return known;
+}
+
 TextRun::Shape TextRun::shaped(const QString& text) const {
+    const std::pair key(text, m_font);
+    if (const Shape* known = knownShapes().object(key))
+        return *known;
+    const Shape shape = laidOut(text);
+    knownShapes().insert(key, new Shape(shape));
+    return shape;
+}
+
+TextRun::Shape TextRun::laidOut(const QString& text) const {
     QTextLayout layout(text, m_font);
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
@@ -63,7 +90,7 @@ const TextRun::Shape& TextRun::shape(double room) const {
     if (fits(room))
         return *m_whole;
     if (!m_elided || m_elidedRoom != room) {
-        m_elided = shaped(QFontMetricsF(m_font).elidedText(m_text, Qt::ElideRight, room));
+        m_elided = shaped(QFontMetricsF(m_font).elidedText(m_text.left(mostDrawn), Qt::ElideRight, room));
         m_elidedRoom = room;
     }
     return *m_elided;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCache>
 #include <QFont>
 #include <QGlyphRun>
 #include <QList>
@@ -7,12 +8,18 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace torvane {
 
-/// One line of text, shaped once and drawn often, in the painter's pen colour. What does not fit ends in "…".
+/// One line of text, shaped once and drawn often, in the painter's pen colour. Texts that were shaped before, by
+/// another line too, are not shaped again: each opening of the popover shows mostly those of the one before. What does
+/// not fit ends in "…".
 class TextRun final {
 public:
+    /// More characters than fit on any line: what comes after them is not even measured, which would take long.
+    static constexpr qsizetype mostDrawn = 500;
+
     explicit TextRun(const QFont& font)
         : m_font(font) {}
 
@@ -21,7 +28,7 @@ public:
 
     const QString& text() const { return m_text; }
 
-    /// Of the whole text, in device-independent pixels.
+    /// Of the whole text, as far as it counts, in device-independent pixels.
     double width() const;
 
     /// Whether the whole text fits.
@@ -43,7 +50,11 @@ private:
         double ascent = 0;
     };
 
+    using KnownShapes = QCache<std::pair<QString, QFont>, Shape>;
+
+    static KnownShapes& knownShapes();
     Shape shaped(const QString& text) const;
+    Shape laidOut(const QString& text) const;
     const Shape& shape(double room) const;
 
     QFont m_font;

@@ -176,6 +176,7 @@ void BadgeHost::replaceSurface(SurfaceKind kind) {
     if (m_surface) {
         connect(m_surface.get(), &BadgeSurface::clicked, this,
                 [this](QPoint position) { Q_EMIT clicked(placeOf(position)); });
+        connect(m_surface.get(), &BadgeSurface::appeared, this, &BadgeHost::appeared);
         connect(m_surface.get(), &BadgeSurface::clickedAt, this, &BadgeHost::clicked);
         connect(m_surface.get(), &BadgeSurface::commandChosen, this, &BadgeHost::commandChosen);
         draw();

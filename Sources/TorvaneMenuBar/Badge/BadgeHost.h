@@ -37,6 +37,9 @@ public:
     BadgeSurface* surface() const { return m_surface.get(); }
 
 Q_SIGNALS:
+    /// A panel or tray has the badge.
+    void appeared();
+
     /// The badge was clicked. Where it lies, in device-independent pixels of the screen, as well as it is known: a
     /// single pixel is where the pointer was, and a null rectangle says nothing.
     void clicked(QRect place);

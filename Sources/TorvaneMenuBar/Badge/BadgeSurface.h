@@ -28,6 +28,9 @@ public:
     virtual void show(const BadgeLook& look, const BadgeInk& ink) = 0;
 
 Q_SIGNALS:
+    /// The panel has it.
+    void appeared();
+
     /// The badge was clicked. `position` is the pointer's by the panel's account, which is not always right.
     void clicked(QPoint position);
 

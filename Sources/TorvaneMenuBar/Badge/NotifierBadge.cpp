@@ -11,18 +11,32 @@ NotifierBadge::NotifierBadge(const QDBusConnection& bus)
         if (const std::optional<BadgeCommand> command = badgeCommand(entry))
             Q_EMIT commandChosen(*command);
     });
+    connect(&m_item, &StatusNotifierItem::announced, this, &NotifierBadge::showWanted);
+    connect(&m_item, &StatusNotifierItem::registeredChanged, this, [this](bool registered) {
+        if (registered)
+            Q_EMIT appeared();
+    });
     m_item.showMenu(badgeMenu());
 }
 
+/// The first drawing loads the fonts, which takes as long as the panel needs to make room for the item: it is told
+/// first, so that both go on at the same time.
 void NotifierBadge::show(const BadgeLook& look, const BadgeInk& ink) {
-    if (look.picture != m_picture || ink != m_ink) {
-        m_picture = look.picture;
-        m_ink = ink;
-        draw(look.picture, ink, m_shown);
+    m_wanted = look;
+    m_wantedInk = ink;
+    if (m_item.isAnnounced())
+        showWanted();
+}
+
+void NotifierBadge::showWanted() {
+    if (m_wanted.picture != m_picture || m_wantedInk != m_ink) {
+        m_picture = m_wanted.picture;
+        m_ink = m_wantedInk;
+        draw(m_wanted.picture, m_wantedInk, m_shown);
     }
-    m_shown.title = look.title();
-    m_shown.toolTipTitle = look.picture.icon.chain;
-    m_shown.toolTipText = look.detail;
+    m_shown.title = m_wanted.title();
+    m_shown.toolTipTitle = m_wanted.picture.icon.chain;
+    m_shown.toolTipText = m_wanted.detail;
     m_item.show(m_shown);
 }
 

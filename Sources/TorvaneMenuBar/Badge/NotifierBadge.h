@@ -16,15 +16,17 @@ public:
 
     void show(const BadgeLook& look, const BadgeInk& ink) final;
 
-    const NotifierLook& shown() const { return m_shown; }
-
     bool isRegistered() const { return m_item.isRegistered(); }
 
 private:
+    void showWanted();
+
     /// Fills in what the panel draws.
     virtual void draw(const BadgePicture& picture, const BadgeInk& ink, NotifierLook& look) = 0;
 
-    std::optional<BadgePicture> m_picture;
+    BadgeLook m_wanted;
+    BadgeInk m_wantedInk;
+    std::optional<BadgePicture> m_picture; // As drawn.
     BadgeInk m_ink;
     NotifierLook m_shown;
     StatusNotifierItem m_item;

@@ -54,6 +54,7 @@ void TrayWindowBadge::show(const BadgeLook& look, const BadgeInk& ink) {
     m_ink = ink;
     if (isSame)
         return;
+    const bool isFirst = !m_window;
     if (m_window) {
         m_window->request(wanted());
     } else {
@@ -67,6 +68,8 @@ void TrayWindowBadge::show(const BadgeLook& look, const BadgeInk& ink) {
         });
     }
     draw();
+    if (isFirst)
+        Q_EMIT appeared();
 }
 
 /// As large as the screen's scale has it, and no higher than the tray.

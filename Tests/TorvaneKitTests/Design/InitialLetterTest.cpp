@@ -17,6 +17,10 @@ private Q_SLOTS:
         QTest::newRow("lower case") << u"blast"_s << u"B"_s;
         QTest::newRow("upper case") << u"Blast"_s << u"B"_s;
         QTest::newRow("after blanks") << u"  mode"_s << u"M"_s;
+        QTest::newRow("after a mark of direction") << u"\u200Fשלום"_s << u"ש"_s;
+        QTest::newRow("after a byte order mark") << u"\uFEFFlinea"_s << u"L"_s;
+        QTest::newRow("after a zero") << QString(QChar(0)) + u'x' << u"X"_s;
+        QTest::newRow("nothing that is seen") << u" \u200B\u00AD\u202E"_s << QString();
         QTest::newRow("a digit") << u"0x"_s << u"0"_s;
         QTest::newRow("an umlaut in one") << u"ärger"_s << u"Ä"_s;
         QTest::newRow("an umlaut in two") << u"a\u0308rger"_s << u"A\u0308"_s;
@@ -35,6 +39,13 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, letter);
         QCOMPARE(InitialLetter::of(name), letter);
+    }
+
+    // Names come from outside: one such letter would take a second to cut out of its tile.
+    void aLetterHasNoMoreMarksThanTextMayHave() {
+        const QString letter = InitialLetter::of(u'z' + QString(5000, QChar(0x0301)));
+        QVERIFY(letter.startsWith(u'Z') || letter.startsWith(u'Ź'));
+        QVERIFY(letter.size() > 30 && letter.size() <= 64);
     }
 
     void anOutlineStandsInTheMiddle_data() {

@@ -95,14 +95,27 @@ private Q_SLOTS:
         QCOMPARE(focused(), u"Base"_s);
     }
 
-    void theFocusMovesOnWhenItsRowGoes() {
+    void theFocusMovesUpWhenItsRowGoes() {
         for (int i = 0; i < 6; ++i)
             press(Qt::Key_Tab);
         QCOMPARE(focused(), u"Starknet"_s);
+        m_scene->change([](Snapshot& it) { it.l2.resize(3); });
+        PaintCounter::settle();
+        QCOMPARE(focused(), u"Base"_s);
+    }
+
+    void theFocusMovesToTheActionsWhenNoRowIsLeft() {
+        press(Qt::Key_Tab);
+        m_scene->change([](Snapshot& it) { it.l2.clear(); });
+        PaintCounter::settle();
+        QCOMPARE(focused(), u"Refresh Now"_s);
+    }
+
+    void theFocusStaysElsewhereWhenARowGoes() {
+        press(Qt::Key_End);
         m_scene->change([](Snapshot& it) { it.l2.removeLast(); });
         PaintCounter::settle();
-        press(Qt::Key_Tab);
-        QVERIFY(inOrder.contains(focused()));
+        QCOMPARE(focused(), u"Quit velisk"_s);
     }
 
     void theKeyboardsFocusCanBeSeenAndAClicksCannot() {
@@ -114,6 +127,12 @@ private Q_SLOTS:
         const QImage without = row->grab().toImage();
         QVERIFY(byKey != without);
         row->setFocus(Qt::MouseFocusReason);
+        QCOMPARE(row->grab().toImage(), without);
+        press(Qt::Key_Shift);
+        QCOMPARE(row->grab().toImage(), byKey);
+        const QPoint corner(2, 2);
+        QTest::mousePress(row, Qt::LeftButton, {}, corner);
+        QTest::mouseRelease(row, Qt::LeftButton, {}, QPoint(-5, -5)); // Let go elsewhere, it is not pressed.
         QCOMPARE(row->grab().toImage(), without);
     }
 
@@ -173,6 +192,13 @@ private Q_SLOTS:
         QCOMPARE(refresh.size(), action == 0 ? 1 : 0);
         QCOMPARE(preferences.size(), action == 1 ? 1 : 0);
         QCOMPARE(quit.size(), action == 2 ? 1 : 0);
+    }
+
+    void aHeldShortcutActsOnce() {
+        QSignalSpy refresh(m_view.get(), &PopoverView::refreshRequested);
+        for (const bool isRepeat : {false, true, true})
+            qt_sendShortcutOverrideEvent(m_view.get(), 0, Qt::Key_R, Qt::ControlModifier, {}, isRepeat);
+        QCOMPARE(refresh.size(), 1);
     }
 
     void aScrolledViewFollowsTheFocus() {

@@ -1,5 +1,6 @@
 #include "Design/DesignSystem.h"
 #include "Support/PaintCounter.h"
+#include "Support/ToolTipReading.h"
 #include "Views/ActionRow.h"
 #include "Views/ChartView.h"
 #include "Views/FigureLine.h"
@@ -10,7 +11,6 @@
 
 #include <QClipboard>
 #include <QSignalSpy>
-#include <QToolTip>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -212,12 +212,34 @@ private Q_SLOTS:
         const QRect chart = row.chartColumn(344);
         QCOMPARE(pixelsOf(Palette::paper.in(Appearance::light), image, chart),
                  chart.width() * chart.height() * enlarged * enlarged);
-        QHelpEvent asks(QEvent::ToolTip, {60, 10}, row.mapToGlobal(QPoint(60, 10)));
         row.show();
-        QApplication::sendEvent(&row, &asks);
-        QCOMPARE(QToolTip::text(), u"The Incredibly Decentralised Superchain"_s);
+        QCOMPARE(toolTipOf(row), u"The Incredibly Decentralised Superchain"_s);
         QVERIFY(nameOf(row).startsWith(u"The Incredibly Decentralised Superchain, "_s));
-        QToolTip::hideText();
+    }
+
+    void anEndlessFigureLeavesRoomForTheNameAndIsTheToolTip() {
+        L2Row row;
+        row.setNetwork(u"Base"_s, u"0.0000000000000000000000000012 gwei"_s, u"Normal"_s);
+        const QImage image = drawn(row, rowSize);
+        const QRect chart = row.chartColumn(344);
+        QVERIFY(chart.left() >= statusPlace.left() + 62);
+        QCOMPARE(pixelsOf(Palette::paper.in(Appearance::light), image, chart),
+                 chart.width() * chart.height() * enlarged * enlarged);
+        QVERIFY(pixelsOf(Palette::ink.in(Appearance::light), image, {48, 4, 62, 15}) > 3);
+        row.show();
+        QCOMPARE(toolTipOf(row), u"0.0000000000000000000000000012 gwei"_s);
+        row.setNetwork(u"Base"_s, u"0.01 gwei"_s, u"Normal"_s);
+        QCOMPARE(toolTipOf(row), QString());
+    }
+
+    void aFigureThatIsCutIsItsToolTip() {
+        FigureLine line(Fonts::mono(24, QFont::Medium), Fonts::mono(12, QFont::Normal), 24, 20);
+        line.setFigure({QString(60, u'9'), u"gwei"_s});
+        line.resize(200, 24);
+        line.show();
+        QCOMPARE(toolTipOf(line), QString(60, u'9') + u" gwei"_s);
+        line.setFigure({u"12.4"_s, u"gwei"_s});
+        QCOMPARE(toolTipOf(line), QString());
     }
 
     void aRowReadsAsNameFigureAndStatus() {

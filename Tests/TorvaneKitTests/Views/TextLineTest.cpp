@@ -1,10 +1,8 @@
 #include "Views/TextLine.h"
 
 #include "Support/PaintCounter.h"
+#include "Support/ToolTipReading.h"
 #include "Views/Paragraph.h"
-
-#include <QHelpEvent>
-#include <QToolTip>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -76,6 +74,9 @@ private Q_SLOTS:
         QVERIFY(drawn(line, 300) != drawn(shorter, 300));
         QCOMPARE(line.minimumSizeHint().width(), shorter.sizeHint().width());
         QCOMPARE(line.accessibleName(), u"9.2 – 24.8 gwei · Average 13.9"_s);
+        line.setText(line.text(), u"9.2"_s);
+        QVERIFY(drawn(line, room) != drawn(shorter, room));
+        QVERIFY(line.minimumSizeHint().width() < shorter.sizeHint().width());
     }
 
     void aRightAlignedTextEndsAtTheRightEdge() {
@@ -126,12 +127,26 @@ private Q_SLOTS:
         TextLine line(style(), u"The Incredibly Decentralised Superchain"_s);
         line.resize(80, 16);
         line.show();
-        QHelpEvent asks(QEvent::ToolTip, {5, 5}, line.mapToGlobal(QPoint(5, 5)));
-        QApplication::sendEvent(&line, &asks);
-        QCOMPARE(QToolTip::text(), line.text());
+        QCOMPARE(toolTipOf(line), line.text());
         line.resize(400, 16);
-        QApplication::sendEvent(&line, &asks);
-        QTRY_VERIFY(!QToolTip::isVisible());
+        QCOMPARE(toolTipOf(line), QString());
+    }
+
+    void markupInAToolTipIsText() {
+        TextLine line(style(), u"<h1>Base</h1> & <img src='/etc/hostname'>"_s);
+        line.resize(20, 16);
+        line.show();
+        QCOMPARE(toolTipOf(line), line.text());
+    }
+
+    void theRestOfAnEndlessTextIsNotMeasured() {
+        TextLine endless(style(), QString(100000, u'N'));
+        TextLine cut(style(), QString(TextRun::mostDrawn, u'N'));
+        QCOMPARE(endless.sizeHint(), cut.sizeHint());
+        QCOMPARE(inkedColumns(drawn(endless, 100)), inkedColumns(drawn(cut, 100)));
+        endless.show();
+        QCOMPARE(toolTipOf(endless), QString(TextRun::mostDrawn, u'N') + u'…');
+        QCOMPARE(endless.accessibleName().size(), 100000);
     }
 
     void assistiveTechnologyReadsAllOfIt() {
