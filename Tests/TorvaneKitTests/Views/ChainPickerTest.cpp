@@ -1,6 +1,8 @@
 #include "Views/ChainPicker.h"
 
 #include "Support/PaintCounter.h"
+#include "Support/ToolTipReading.h"
+#include "Views/TextRun.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
@@ -164,6 +166,32 @@ private Q_SLOTS:
         QCOMPARE(m_chosen, QList<BadgeChain>{BadgeChain::l2(u"Two\nlines"_s)});
         m_picker->select(BadgeChain::l2(u"Also\ntwo"_s));
         QCOMPARE(m_picker->shownTitle(), u"Also two"_s);
+    }
+
+    void aTitleThatIsCutOffIsItsToolTip() {
+        const QString longName = u"<b>"_s + QString(60, u'W');
+        m_picker->offer({BadgeChain::ethereum(), BadgeChain::l2(longName)});
+        QCOMPARE(toolTipOf(*m_picker), QString());
+        m_picker->select(BadgeChain::l2(longName));
+        QCOMPARE(toolTipOf(*m_picker), longName);
+        QTest::mouseClick(m_picker.get(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(isOpen(), limitMs);
+        QAbstractItemView* list = m_picker->view();
+        const auto toolTipOfRow = [list](int row) {
+            const QPoint place = list->visualRect(list->model()->index(row, 0)).center();
+            QHelpEvent asks(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(list->viewport(), &asks);
+            return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+        };
+        QCOMPARE(toolTipOfRow(1), longName);
+        QToolTip::hideText();
+        QTRY_VERIFY_WITH_TIMEOUT(!QToolTip::isVisible(), limitMs);
+        QCOMPARE(toolTipOfRow(0), QString());
+    }
+
+    void anEndlessTitleIsNotMeasuredWhole() {
+        m_picker->select(BadgeChain::l2(QString(1'000'000, u'W')));
+        QCOMPARE(m_picker->shownTitle().size(), TextRun::mostDrawn);
     }
 
     void shortcutsAreLeftToOthers() {
