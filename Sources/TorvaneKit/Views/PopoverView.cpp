@@ -141,7 +141,7 @@ QLayout* PopoverView::sparkSection() {
 
 QWidget* PopoverView::layer2() {
     m_l2List = new L2List;
-    auto* note = new TextLine({Fonts::sans(10.5, QFont::Medium), Palette::ink4, 24},
+    auto* note = new TextLine({Fonts::sans(10.5, QFont::Medium), Palette::ink3, 24},
                               QStringLiteral("All networks are switched off"));
     bind([this, note](const Snapshot& snapshot) {
         const QList<L2Entry> enabled = enabledL2(snapshot.l2, m_settings.disabledL2);
