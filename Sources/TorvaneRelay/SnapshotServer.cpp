@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <httplib.h>
 #include <mutex>
 #include <thread>
@@ -13,7 +14,8 @@ namespace torvane {
 
 namespace {
 
-constexpr std::size_t threads = 4; // Of which each connection that is kept open takes one.
+constexpr std::uintptr_t mostReceived = 64 * 1024; // On one connection, which brings a few requests at most.
+constexpr std::size_t threads = 4;                 // Of which each connection that is kept open takes one.
 
 struct Served {
     std::string document;
@@ -36,8 +38,23 @@ void setSocketOptions(int socket) {
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
 }
 
+/// OpenSSL's message callback: sees the head of each record, which ends with its length (RFC 8446, 5.1). The library
+/// keeps header lines for as long as a client sends some, so that whoever sends too much is cut off here.
+void limitReceived(int isSent, int, int content, const void* record, std::size_t, SSL* connection, void*) {
+    static const int place = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+    if (isSent != 0 || content != SSL3_RT_HEADER)
+        return;
+    const auto* head = static_cast<const unsigned char*>(record);
+    auto received = reinterpret_cast<std::uintptr_t>(SSL_get_ex_data(connection, place));
+    received += static_cast<std::uintptr_t>(head[3]) * 256 + head[4];
+    SSL_set_ex_data(connection, place, reinterpret_cast<void*>(received));
+    if (received > mostReceived)
+        ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
+}
+
 bool setUp(SSL_CTX& context, const ServerCertificate& certificate) {
     SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
+    SSL_CTX_set_msg_callback(&context, &limitReceived);
     return SSL_CTX_use_certificate_chain_file(&context, QFile::encodeName(certificate.certificate)) == 1 &&
            SSL_CTX_use_PrivateKey_file(&context, QFile::encodeName(certificate.key), SSL_FILETYPE_PEM) == 1;
 }

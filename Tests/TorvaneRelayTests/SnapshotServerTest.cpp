@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QSslCertificate>
 #include <QSslKey>
+#include <QSslSocket>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
@@ -152,6 +153,26 @@ private Q_SLOTS:
         QVERIFY(!curl(server, {QStringLiteral("-d"), QStringLiteral("{}")}).contains("200 OK"));
         const QByteArray head = curl(server, {QStringLiteral("-I")});
         QVERIFY(head.contains("200 OK") && !head.contains("{\"a\":1}"));
+    }
+
+    void aHeadWithoutEndIsCutOff() {
+        SnapshotServer server(certificate(), localhost, 0);
+        server.serve("{\"a\":1}");
+        QSslSocket client;
+        client.setPeerVerifyMode(QSslSocket::VerifyNone);
+        client.connectToHostEncrypted(QStringLiteral("127.0.0.1"), static_cast<quint16>(server.port()));
+        QVERIFY(client.waitForEncrypted(60'000));
+        client.write("GET /snapshot.json HTTP/1.1\r\n");
+        const QByteArray line = "X-A: " + QByteArray(4000, 'a') + "\r\n";
+        constexpr qint64 muchMore = 64 * 1024 * 1024; // Than any socket takes on by itself.
+        qint64 sent = 0;
+        for (; sent < muchMore && client.state() == QAbstractSocket::ConnectedState; sent += line.size()) {
+            client.write(line);
+            while (client.bytesToWrite() + client.encryptedBytesToWrite() > 0 && client.waitForBytesWritten(60'000)) {
+            }
+        }
+        QVERIFY2(sent < muchMore, qPrintable(QString::number(sent)));
+        QCOMPARE(fetch(server), QByteArray("{\"a\":1}")); // And all others are served.
     }
 
     void aTakenPortIsRefused() {
