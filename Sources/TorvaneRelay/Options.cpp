@@ -24,6 +24,8 @@ public:
             throw UsageError(m_parser.errorText());
         if (!m_parser.positionalArguments().isEmpty())
             throw UsageError(m_parser.positionalArguments().first() + QStringLiteral(" means nothing here"));
+        for (const QCommandLineOption* option : {&m_out, &m_check, &m_table})
+            requireName(*option);
         Options options;
         options.mode = mode();
         options.document = absolute(m_parser.value(options.mode == Options::Mode::check ? m_check : m_out));
@@ -53,6 +55,12 @@ private:
         if (prints)
             return printTable;
         return m_parser.isSet(m_serve) ? serve : publish;
+    }
+
+    /// An empty name is what a script's variable leaves that was never set.
+    void requireName(const QCommandLineOption& option) const {
+        if (m_parser.isSet(option) && m_parser.value(option).isEmpty())
+            throw UsageError(QStringLiteral("--%1 wants the name of a file").arg(option.names().first()));
     }
 
     static QString absolute(const QString& path) { return path.isEmpty() ? path : QFileInfo(path).absoluteFilePath(); }

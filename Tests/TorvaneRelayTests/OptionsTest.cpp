@@ -40,6 +40,15 @@ private Q_SLOTS:
             QVERIFY_EXCEPTION_THROWN(parsed(line), UsageError);
     }
 
+    void aFileHasAName() {
+        for (const char* option : {"--out", "--check", "--table"})
+            QVERIFY_EXCEPTION_THROWN(Options::from({QStringLiteral("velisk-relay"), QStringLiteral("--serve"),
+                                                    QStringLiteral("localhost:1"), QLatin1String(option), QString()}),
+                                     UsageError);
+        QVERIFY_EXCEPTION_THROWN(Options::from({QStringLiteral("velisk-relay"), QStringLiteral("--out"), QString()}),
+                                 UsageError);
+    }
+
     void whatMakesNoSenseIsRefused() {
         for (const char* line : {"", "--out", "--verbose", "--out a --check b", "--serve localhost:1 --print-table",
                                  "a.json", "--out a b", "--unknown"})
