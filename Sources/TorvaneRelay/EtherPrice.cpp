@@ -41,7 +41,9 @@ double meanPrice(const Words& observation) {
     const std::optional<qint64> later = observation.at(4).toSigned();
     if (!earlier || !later || observation.at(2).toUnsigned() != quint64{2})
         throw DecodingError(DecodingError::Cause::corrupted, "not the ticks of a pool");
-    return priceAtTick(static_cast<double>(*later - *earlier) / static_cast<double>(meanSeconds));
+    // A pool's own numbers have 56 bits; what else a node makes up must not overflow.
+    const double ticks = static_cast<double>(*later) - static_cast<double>(*earlier);
+    return priceAtTick(ticks / static_cast<double>(meanSeconds));
 }
 
 Task<double> readMeanPrice(ChainAtBlock chain, QString pool) {

@@ -33,13 +33,16 @@ Task<PriceRound> PriceRounds::latest() const {
     co_return roundFrom(words);
 }
 
-/// None where there is no such round: newer feeds refuse, older ones answer zeros.
+/// None where there is no such round: newer feeds refuse, older ones answer zeros. An answer about another round is
+/// none either: the search goes on from the number.
 Task<std::optional<PriceRound>> PriceRounds::round(quint64 phase, quint64 number) const {
     Task<Words> call = m_chain.call(contractCall(m_feed, u"getRoundData(uint80)", {Word(phase, number)}));
     std::optional<PriceRound> found;
     try {
         const Words words = co_await call;
-        found = roundFrom(words);
+        const PriceRound answer = roundFrom(words);
+        if (answer.phase == phase && answer.number == number)
+            found = answer;
     } catch (const CallReverted&) {
     } catch (const PriceFailure&) {
     }

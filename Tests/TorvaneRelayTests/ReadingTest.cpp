@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <limits>
 
 using namespace torvane;
 
@@ -174,6 +175,28 @@ private Q_SLOTS:
             const Reading reading = read(ethereumAlone());
             QVERIFY(!reading.price);
             QCOMPARE(reading.trouble, QStringLiteral("no price of ether: the price feed has no price of a day ago"));
+        }
+    }
+
+    void anAnswerAboutAnotherRoundIsNotBelieved() {
+        const auto old = static_cast<quint64>(StandInWorld::now().toSecsSinceEpoch() - 2 * 24 * 3600);
+        m_world->chain(QStringLiteral("Ethereum"))
+            .onCall(m_world->table().ethereum.priceFeed, QStringLiteral("getRoundData(uint80)"),
+                    {Word(7, 1000), Word(quint64{1}), Word(old), Word(old), Word(7, 1000)});
+        QCOMPARE(read(ethereumAlone()).trouble,
+                 QStringLiteral("no price of ether: the price feed has no price of a day ago"));
+    }
+
+    void ticksBeyondAllBoundsGiveNoSecondPrice() {
+        const QByteArray lowest = QByteArray(24, '\xff') + '\x80' + QByteArray(7, '\0');
+        const Word least{QByteArrayView(lowest)};
+        const Word most(static_cast<quint64>(std::numeric_limits<qint64>::max()));
+        for (const auto& [earlier, later] : {std::pair(least, most), std::pair(most, least)}) {
+            m_world->chain(QStringLiteral("Ethereum"))
+                .onCall(m_world->table().ethereum.pricePool, QStringLiteral("observe(uint32[])"),
+                        {Word(quint64{64}), Word(quint64{160}), Word(quint64{2}), earlier, later});
+            const Reading reading = read(ethereumAlone());
+            QVERIFY(reading.price && !reading.poolPrice);
         }
     }
 
