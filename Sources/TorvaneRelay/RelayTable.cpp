@@ -75,8 +75,10 @@ RelayTable::Staking readStaking(TableReader table) {
     row.rateContract = row.contract;
     if (table.has("rate")) {
         row.rate = table.text("rate");
-        if (!isSignature(row.rate))
-            table.fail("rate", "not a function such as \"getRate()\"");
+        // Of one that takes anything else, nobody would know what to ask.
+        const bool isAskable = row.rate.endsWith(QLatin1String("()")) || row.rate.endsWith(QLatin1String("(uint256)"));
+        if (!isSignature(row.rate) || !isAskable)
+            table.fail("rate", "not a function such as \"getRate()\" or \"toETH(uint256)\"");
         if (table.has("rate_contract"))
             row.rateContract = readAddress(table, "rate_contract");
     }

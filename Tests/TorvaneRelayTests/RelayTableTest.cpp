@@ -63,9 +63,9 @@ private Q_SLOTS:
         const auto row = [](const char* name, const QByteArray& table, const char* complaint) {
             QTest::newRow(name) << table << QString::fromLatin1(complaint);
         };
-        row("not TOML", builtInWith("minutes = 5", "minutes = = 5"), "line 6: ");
+        row("not TOML", builtInWith("minutes = 5", "minutes = = 5"), "line 8: ");
         row("a word for a number", builtInWith("minutes = 5", "minutes = \"five\""),
-            "line 6: run.minutes: expected a number");
+            "line 8: run.minutes: expected a number");
         row("no time at all", builtInWith("minutes = 5", "minutes = 0"), "run.minutes: expected a number from 1");
         row("half a request", builtInWith("at_once = 12", "at_once = 1.5"),
             "requests.at_once: expected a whole number");
@@ -83,6 +83,8 @@ private Q_SLOTS:
             "network[1].chain_id: expected a whole");
         row("a network twice", builtInWith("\"Optimism\"", "\"Arbitrum\""), "network \"Arbitrum\" is there twice");
         row("no function", builtInWith("\"exchangeRate()\"", "\"exchangeRate\""), "staking[2].rate: not a function");
+        row("a function of something else", builtInWith("\"exchangeRate()\"", "\"exchangeRate(address)\""),
+            "staking[2].rate: not a function");
         row("a table for tables", builtInWith("[[network]]", "[network]"), "line ");
         row("nothing", QByteArray(), "run: missing");
     }
