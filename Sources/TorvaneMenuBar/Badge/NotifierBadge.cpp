@@ -21,8 +21,7 @@ void NotifierBadge::show(const BadgeLook& look, const BadgeInk& ink) {
         draw(look.picture, ink, m_shown);
     }
     m_shown.title = look.title();
-    m_shown.toolTipTitle = look.picture.icon.chain;
-    m_shown.toolTipText = look.detail;
+    m_shown.toolTipTitle = look.title(); // LXQt's panel shows nothing else of a tooltip.
     m_item.show(m_shown);
 }
 
