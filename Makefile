@@ -15,11 +15,11 @@ help: ## show this list
 	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-8s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 	@echo "CMAKE_FLAGS=... reaches CMake; INSTALL_DEPENDENCIES=: installs nothing."
 
-run: ## build velisk and start it
+run: ## build velisk and its relay, and start both: figures from public nodes
 	@$(INSTALL_DEPENDENCIES) run
 	cmake --preset release $(CMAKE_FLAGS)
-	cmake --build --preset release --target velisk
-	build/release/Sources/TorvaneMenuBar/velisk
+	cmake --build --preset release --target velisk velisk-relay
+	@scripts/run
 
 demo: ## the same against a simulated relay: no network needed, your settings untouched
 	@$(INSTALL_DEPENDENCIES) demo

@@ -32,6 +32,7 @@ int main(int argc, char** argv) {
         return print(*answer);
 
     torvane::shareMemoryAmongThreads();
+    torvane::keepLargeBlocksApart();
     // A connection that its server has closed is reported where it is written to, not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // A file that may not grow further is a failed write, which the next one mends.

@@ -10,6 +10,9 @@
 #include <QNetworkReply>
 #include <QRegularExpression>
 
+#include <csignal>
+#include <sys/prctl.h>
+
 namespace torvane {
 
 namespace {
@@ -53,6 +56,8 @@ void join(QTcpSocket* from, QTcpSocket* to) {
 AnvilNode::AnvilNode(const QStringList& arguments) {
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     const QStringList always{QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--no-mining")};
+    // A test that is killed must not leave its nodes behind.
+    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     m_process.start(QStringLiteral(TORVANE_ANVIL), always + arguments);
     m_port = listeningPort(m_process);
     m_listener.setSslConfiguration(StandInServer::tlsConfiguration(StandInServer::certificatePath("localhost")));

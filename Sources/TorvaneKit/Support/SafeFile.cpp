@@ -106,13 +106,14 @@ Contents read(const QString& path, qint64 limit) {
     return readAll(file.get(), status.st_size, limit);
 }
 
-bool replace(const QString& path, QByteArrayView bytes) {
+bool replace(const QString& path, QByteArrayView bytes, Readers readers) {
     const std::optional<QByteArray> destination = destinationOf(path);
     if (!destination || !isReplaceable(*destination) || !makeDirectory(directoryOf(*destination)))
         return false;
     TemporaryFile::removeLeftOvers(*destination);
     TemporaryFile temporary(*destination);
-    return temporary.write(bytes) && temporary.takePlace();
+    const bool isReadable = readers == Readers::owner || temporary.letEveryoneRead();
+    return isReadable && temporary.write(bytes) && temporary.takePlace();
 }
 
 bool keepAside(const QString& path, const QString& suffix) {

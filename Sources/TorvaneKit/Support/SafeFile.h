@@ -26,11 +26,15 @@ struct Contents {
 /// Reads a regular file of at most `limit` bytes. Never blocks on a fifo, a socket or a device in the file's place.
 Contents read(const QString& path, qint64 limit);
 
+/// Who may read a file.
+enum class Readers { owner, everyone };
+
 /// Replaces the file's content as a whole: whatever happens on the way, the path names the old bytes or the new ones,
 /// never a part. True once the new bytes are on the disk to stay. Missing directories are made (mode 0700, as the XDG
-/// base directory specification asks), the file gets mode 0600. A symbolic link is written through. Anything else than
-/// a regular file in its place is left alone. Temporary files that a killed process left beside it are removed.
-[[nodiscard]] bool replace(const QString& path, QByteArrayView bytes);
+/// base directory specification asks), the file gets mode 0600, or 0644 for everyone to read. A symbolic link is
+/// written through. Anything else than a regular file in its place is left alone. Temporary files that a killed process
+/// left beside it are removed.
+[[nodiscard]] bool replace(const QString& path, QByteArrayView bytes, Readers readers = Readers::owner);
 
 /// Gives the file a second name, its own name with this suffix, under which it outlives the next replacement. A file
 /// that already has that name stays, and then nothing is done. False if the file cannot be kept.

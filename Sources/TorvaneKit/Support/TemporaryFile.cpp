@@ -74,6 +74,10 @@ TemporaryFile::~TemporaryFile() {
         ::unlink(m_path);
 }
 
+bool TemporaryFile::letEveryoneRead() const {
+    return m_file.isOpen() && ::fchmod(m_file.get(), S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH) == 0;
+}
+
 bool TemporaryFile::write(QByteArrayView bytes) const {
     while (m_file.isOpen() && !bytes.isEmpty()) {
         const auto size = static_cast<std::size_t>(bytes.size());

@@ -17,6 +17,9 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+    /// Gives it mode 0644.
+    [[nodiscard]] bool letEveryoneRead() const;
+
     /// Writes all of the bytes and waits until they are on the disk.
     [[nodiscard]] bool write(QByteArrayView bytes) const;
 

@@ -86,7 +86,7 @@ QAccessibleInterface* interfaceOf(const QString&, QObject* object) {
 
 } // namespace
 
-void readControls() {
+void installControlAccessibility() {
     QAccessible::installFactory(interfaceOf); // The same one again is not taken.
 }
 

@@ -4,6 +4,6 @@ namespace torvane {
 
 /// Makes the stepper known to Qt's accessibility as a spin box whose value can be set, and the picker as a combo box
 /// with a name of its own. Does nothing after the first time.
-void readControls();
+void installControlAccessibility();
 
 } // namespace torvane

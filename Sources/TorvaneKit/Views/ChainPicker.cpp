@@ -4,7 +4,9 @@
 #include "Design/Symbols.h"
 #include "Views/AccessibleControls.h"
 #include "Views/Drawing.h"
+#include "Views/HiddenText.h"
 #include "Views/PickerList.h"
+#include "Views/TextRun.h"
 
 #include <QKeyEvent>
 #include <QListView>
@@ -23,16 +25,16 @@ constexpr int padding = 10;
 constexpr double symbolSize = 10;
 constexpr int mostVisible = 12;
 
-/// On one line: relays name networks as they like.
+/// On one line, and of it no more than can be shown: relays name networks as they like.
 QString titleOf(const BadgeChain& chain) {
-    return chain.title().simplified();
+    return chain.title().left(TextRun::mostDrawn).simplified();
 }
 
 } // namespace
 
 ChainPicker::ChainPicker(const QString& name, QWidget* parent)
     : QComboBox(parent) {
-    readControls();
+    installControlAccessibility();
     setAccessibleName(name);
     setFont(Fonts::sans(12, QFont::Normal));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -76,6 +78,18 @@ QSize ChainPicker::sizeHint() const {
     return {QComboBox::sizeHint().width(), pickerHeight};
 }
 
+QRect ChainPicker::textRoom() const {
+    return rect().adjusted(padding, 0, -padding - static_cast<int>(symbolSize) - padding / 2, 0);
+}
+
+bool ChainPicker::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QComboBox::event(event);
+    const bool isCut = fontMetrics().horizontalAdvance(shownTitle()) > textRoom().width();
+    showHiddenText(*event, isCut ? shownTitle() : QString(), *this);
+    return true;
+}
+
 void ChainPicker::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setOpacity(opacityOf(*this));
@@ -83,10 +97,9 @@ void ChainPicker::paintEvent(QPaintEvent*) {
     const bool isOffered = currentIndex() >= 0;
     const QRect symbol(width() - padding - int(symbolSize), (height() - int(symbolSize)) / 2, int(symbolSize),
                        int(symbolSize));
-    const QRect text = rect().adjusted(padding, 0, symbol.x() - padding / 2 - width(), 0);
     Symbols::paint(painter, QStyle::visualRect(layoutDirection(), rect(), symbol), u"chevron.down"_s, Palette::ink3);
     painter.setPen(isOffered ? Palette::ink : Palette::ink3);
-    drawLine(painter, QStyle::visualRect(layoutDirection(), rect(), text), shownTitle());
+    drawLine(painter, QStyle::visualRect(layoutDirection(), rect(), textRoom()), shownTitle());
 }
 
 /// A combo box takes every key that carries a character for the beginning of a title, shortcuts too.

@@ -32,6 +32,7 @@ Q_SIGNALS:
     void chosen(const torvane::BadgeChain& chain);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
@@ -40,6 +41,7 @@ protected:
 
 private:
     void showSelection();
+    QRect textRoom() const;
 
     QStringListModel m_titles;
     QList<BadgeChain> m_chains;

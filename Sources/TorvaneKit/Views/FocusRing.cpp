@@ -3,6 +3,7 @@
 #include "Design/DesignSystem.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace torvane {
@@ -16,6 +17,22 @@ constexpr double radius = 9;
 /// Whether a control may lie elsewhere after this has happened to what it lies in.
 bool movesContent(const QEvent& event) {
     return event.type() == QEvent::Move || event.type() == QEvent::Resize;
+}
+
+/// Modifiers belong to shortcuts, of the desktop too: they move no focus.
+bool isModifier(const QEvent& event) {
+    switch (static_cast<const QKeyEvent&>(event).key()) {
+    case Qt::Key_Shift:
+    case Qt::Key_Control:
+    case Qt::Key_Alt:
+    case Qt::Key_AltGr:
+    case Qt::Key_Meta:
+    case Qt::Key_Super_L:
+    case Qt::Key_Super_R:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -42,7 +59,7 @@ void FocusRing::follow() {
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
-    const bool isKey = event->type() == QEvent::KeyPress;
+    const bool isKey = event->type() == QEvent::KeyPress && !isModifier(*event);
     if (isKey || event->type() == QEvent::MouseButtonPress) {
         if (isKey != m_isByKey) {
             m_isByKey = isKey;

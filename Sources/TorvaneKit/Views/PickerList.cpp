@@ -2,9 +2,11 @@
 
 #include "Design/DesignSystem.h"
 #include "Views/Drawing.h"
+#include "Views/HiddenText.h"
 #include "Views/ThinScrollBar.h"
 
 #include <QComboBox>
+#include <QHelpEvent>
 #include <QListView>
 #include <QPainter>
 #include <QProxyStyle>
@@ -32,8 +34,23 @@ public:
         if (option.state & QStyle::State_Selected)
             fillRoundedRect(*painter, option.rect, rowRadius, Palette::surface3);
         painter->setPen(Palette::ink);
-        drawLine(*painter, option.rect.adjusted(rowPadding, 0, -rowPadding, 0), index.data().toString());
+        drawLine(*painter, roomOf(option), index.data().toString());
         painter->restore();
+    }
+
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+        if (event->type() != QEvent::ToolTip)
+            return QStyledItemDelegate::helpEvent(event, view, option, index);
+        const QString title = index.data().toString();
+        const bool isCut = view->fontMetrics().horizontalAdvance(title) > roomOf(option).width();
+        showHiddenText(*event, isCut ? title : QString(), *view->viewport());
+        return true;
+    }
+
+private:
+    static QRect roomOf(const QStyleOptionViewItem& option) {
+        return option.rect.adjusted(rowPadding, 0, -rowPadding, 0);
     }
 };
 

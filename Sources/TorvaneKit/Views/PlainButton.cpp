@@ -25,13 +25,6 @@ PlainButton::PlainButton(QWidget* parent)
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
-bool PlainButton::event(QEvent* event) {
-    // A button's pointer moves are of no interest, and each would repaint it.
-    if (event->type() == QEvent::HoverMove)
-        return true;
-    return QAbstractButton::event(event);
-}
-
 void PlainButton::focusInEvent(QFocusEvent* event) {
     // A click says where it goes by itself; a window that comes back shows what it showed.
     if (event->reason() == Qt::MouseFocusReason)

@@ -19,7 +19,6 @@ public:
 protected:
     virtual void paintContent(QPainter& painter) = 0;
 
-    bool event(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

@@ -52,7 +52,7 @@ Stepper::Stepper(const QString& name, Limits limits, std::function<QString(qint6
     , m_limits(limits)
     , m_text(std::move(text))
     , m_value(limits.least) {
-    readControls();
+    installControlAccessibility();
     setAccessibleName(name);
     setFont(Fonts::mono(13, QFont::Normal));
     setFocusPolicy(Qt::StrongFocus);

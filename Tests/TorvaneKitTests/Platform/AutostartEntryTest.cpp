@@ -178,6 +178,7 @@ private Q_SLOTS:
         QTest::newRow("plain") << u"program"_s;
         QTest::newRow("blanks") << u"my own folder/my program"_s;
         QTest::newRow("beyond ASCII") << u"Größe 文件/program"_s;
+        QTest::newRow("shell's own") << u"o'p;t&(a*b?)~#=|<c>!{d}[e]^@,:+-/program"_s;
     }
 
     void dexRunsTheProgram() {

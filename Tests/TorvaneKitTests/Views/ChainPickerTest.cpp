@@ -1,6 +1,8 @@
 #include "Views/ChainPicker.h"
 
-#include "Support/PaintCount.h"
+#include "Support/PaintCounter.h"
+#include "Support/ToolTipReading.h"
+#include "Views/TextRun.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
@@ -166,6 +168,32 @@ private Q_SLOTS:
         QCOMPARE(m_picker->shownTitle(), u"Also two"_s);
     }
 
+    void aTitleThatIsCutOffIsItsToolTip() {
+        const QString longName = u"<b>"_s + QString(60, u'W');
+        m_picker->offer({BadgeChain::ethereum(), BadgeChain::l2(longName)});
+        QCOMPARE(toolTipOf(*m_picker), QString());
+        m_picker->select(BadgeChain::l2(longName));
+        QCOMPARE(toolTipOf(*m_picker), longName);
+        QTest::mouseClick(m_picker.get(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(isOpen(), limitMs);
+        QAbstractItemView* list = m_picker->view();
+        const auto toolTipOfRow = [list](int row) {
+            const QPoint place = list->visualRect(list->model()->index(row, 0)).center();
+            QHelpEvent asks(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(list->viewport(), &asks);
+            return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+        };
+        QCOMPARE(toolTipOfRow(1), longName);
+        QToolTip::hideText();
+        QTRY_VERIFY_WITH_TIMEOUT(!QToolTip::isVisible(), limitMs);
+        QCOMPARE(toolTipOfRow(0), QString());
+    }
+
+    void anEndlessTitleIsNotMeasuredWhole() {
+        m_picker->select(BadgeChain::l2(QString(1'000'000, u'W')));
+        QCOMPARE(m_picker->shownTitle().size(), TextRun::mostDrawn);
+    }
+
     void shortcutsAreLeftToOthers() {
         QKeyEvent shortcut(QEvent::KeyPress, Qt::Key_L, Qt::ControlModifier, u"\f"_s);
         QCoreApplication::sendEvent(m_picker.get(), &shortcut);
@@ -183,12 +211,11 @@ private Q_SLOTS:
     }
 
     void theSameNetworksAgainPaintNothing() {
-        QCoreApplication::processEvents();
-        const PaintCount paints;
+        const PaintCounter paints(*m_picker);
         m_picker->offer(three);
         m_picker->select(BadgeChain::ethereum());
-        QCoreApplication::processEvents();
-        QCOMPARE(paints.value(), 0);
+        PaintCounter::settle();
+        QCOMPARE(paints.count(), 0);
     }
 
     void itIsReadAsAComboBox() {

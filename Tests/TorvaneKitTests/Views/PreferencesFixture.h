@@ -6,7 +6,10 @@
 #include "Support/Worker.h"
 #include "Views/PreferencesView.h"
 #include "Views/Sidebar.h"
+#include "Views/TextLabel.h"
+#include "Views/TextLine.h"
 
+#include <QScrollArea>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -86,6 +89,18 @@ public:
                 return each;
         }
         qFatal("There is no control \"%s\"", qPrintable(name));
+    }
+
+    /// What the open panel says, from top to bottom.
+    QStringList texts() const {
+        QStringList texts;
+        for (const QWidget* part : view->findChild<QScrollArea*>()->findChildren<QWidget*>()) {
+            const auto* label = qobject_cast<const TextLabel*>(part);
+            const auto* line = qobject_cast<const TextLine*>(part);
+            if (label || line)
+                texts.append(label ? label->text() : line->text());
+        }
+        return texts;
     }
 
     QTemporaryDir home;

@@ -6,10 +6,6 @@
 #include "Views/SegmentedControl.h"
 #include "Views/Stepper.h"
 #include "Views/Switch.h"
-#include "Views/TextLabel.h"
-#include "Views/TextLine.h"
-
-#include <QScrollArea>
 
 #include <limits>
 
@@ -42,17 +38,6 @@ class PreferencesPanelsTest final : public QObject {
     }
 
     StepButton* stepButton(const QString& name) const { return m_user->control<StepButton>(name); }
-
-    QStringList texts() const {
-        QStringList texts;
-        for (const QWidget* part : m_user->view->findChild<QScrollArea*>()->findChildren<QWidget*>()) {
-            const auto* label = qobject_cast<const TextLabel*>(part);
-            const auto* line = qobject_cast<const TextLine*>(part);
-            if (label || line)
-                texts.append(label ? label->text() : line->text());
-        }
-        return texts;
-    }
 
 private Q_SLOTS:
     void init() { m_user = std::make_unique<PreferencesFixture>(); }
@@ -139,7 +124,7 @@ private Q_SLOTS:
     void anUnknownNetworkIsDescribedAsLayer2() {
         m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Base"_s, u"base"_s, u"Newcomer"_s});
         m_user->open(Section::networks);
-        const QStringList all = texts();
+        const QStringList all = m_user->texts();
         QCOMPARE(all.mid(2, 8), (QStringList{u"Ethereum"_s, u"Mainnet · Layer 1"_s, u"Base"_s, u"Optimistic rollup"_s,
                                              u"base"_s, u"Layer 2"_s, u"Newcomer"_s, u"Layer 2"_s}));
     }
@@ -171,11 +156,11 @@ private Q_SLOTS:
 
     void withoutASnapshotTheNetworksAreAwaited() {
         m_user->open(Section::networks);
-        QCOMPARE(texts().mid(2), QStringList{u"Waiting for the first snapshot…"_s});
+        QCOMPARE(m_user->texts().mid(2), QStringList{u"Waiting for the first snapshot…"_s});
         QVERIFY(m_user->view->findChildren<Switch*>().isEmpty());
         m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Base"_s});
         QCOMPARE(m_user->view->findChildren<Switch*>().size(), 1);
-        QVERIFY(texts().contains(
+        QVERIFY(m_user->texts().contains(
             u"Enabled networks appear in the popover's Layer 2 list. Ethereum mainnet is always shown."_s));
     }
 

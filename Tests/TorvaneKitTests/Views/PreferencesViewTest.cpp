@@ -1,12 +1,11 @@
 #include "Views/PreferencesView.h"
 
-#include "Support/PaintCount.h"
+#include "Support/PaintCounter.h"
 #include "TorvaneKitTests/Views/PreferencesFixture.h"
 #include "Views/FocusRing.h"
 #include "Views/SegmentedControl.h"
 #include "Views/Stepper.h"
 #include "Views/Switch.h"
-#include "Views/TextLabel.h"
 
 #include <QScrollArea>
 #include <QScrollBar>
@@ -22,11 +21,11 @@ class PreferencesViewTest final : public QObject {
 
     AppSettings& settings() const { return *m_user->settings; }
 
-    QStringList texts() const {
-        QStringList texts;
-        for (const TextLabel* label : m_user->view->findChild<QScrollArea*>()->findChildren<TextLabel*>())
-            texts.append(label->text());
-        return texts;
+    static QStringList sixtyNetworks() {
+        QStringList names;
+        for (int i = 0; i < 60; ++i)
+            names.append(u"Network %1"_s.arg(i));
+        return names;
     }
 
 private Q_SLOTS:
@@ -45,7 +44,7 @@ private Q_SLOTS:
         QCOMPARE(m_user->view->section(), Section::about);
         m_user->view = std::make_unique<PreferencesView>(*m_user->store, settings(), m_user->updater);
         QCOMPARE(m_user->view->section(), Section::general);
-        QVERIFY(texts().contains(u"Startup, units, and how often gas refreshes."_s));
+        QVERIFY(m_user->texts().contains(u"Startup, units, and how often gas refreshes."_s));
     }
 
     void everySectionHasItsTitleAndSubtitle_data() {
@@ -68,7 +67,7 @@ private Q_SLOTS:
         QFETCH(const QStringList, heading);
         m_user->open(section);
         QCOMPARE(m_user->view->section(), section);
-        QCOMPARE(texts().first(2), heading);
+        QCOMPARE(m_user->texts().first(2), heading);
         QCOMPARE(m_user->item(section)->text(), heading[0]);
     }
 
@@ -99,17 +98,15 @@ private Q_SLOTS:
         for (const Section section : allCases<Section>()) {
             m_user->open(section);
             QTRY_VERIFY_WITH_TIMEOUT(QTest::qWaitForWindowActive(m_user->view.get()), 30'000);
-            QCoreApplication::sendPostedEvents();
-            QCoreApplication::processEvents();
-            const PaintCount paints;
+            const PaintCounter paints(*m_user->view);
             Snapshot next = PreferencesFixture::snapshot();
             next.gas.baseFee += 1;
             for (L2Entry& entry : next.l2)
                 entry.costGwei = 0.5;
             m_user->store->snapshot = next;
             settings().sound = settings().sound.value();
-            QCoreApplication::processEvents();
-            QCOMPARE(paints.value(), 0);
+            PaintCounter::settle();
+            QCOMPARE(paints.count(), 0);
         }
     }
 
@@ -136,24 +133,18 @@ private Q_SLOTS:
     }
 
     void thePanelStaysWhereItIsScrolledToWhenNetworksCome() {
-        QStringList names;
-        for (int i = 0; i < 60; ++i)
-            names.append(u"Network %1"_s.arg(i));
-        m_user->store->snapshot = PreferencesFixture::snapshotOf(names);
+        m_user->store->snapshot = PreferencesFixture::snapshotOf(sixtyNetworks());
         m_user->open(Section::networks);
         const auto* area = m_user->view->findChild<QScrollArea*>();
         area->verticalScrollBar()->setValue(700);
         QCOMPARE(area->verticalScrollBar()->value(), 700);
-        m_user->store->snapshot = PreferencesFixture::snapshotOf(names << u"Newcomer"_s);
+        m_user->store->snapshot = PreferencesFixture::snapshotOf(sixtyNetworks() << u"Newcomer"_s);
         QCoreApplication::processEvents();
         QCOMPARE(area->verticalScrollBar()->value(), 700);
     }
 
     void thePanelScrollsToWhatTheKeyboardReaches() {
-        QStringList names;
-        for (int i = 0; i < 60; ++i)
-            names.append(u"Network %1"_s.arg(i));
-        m_user->store->snapshot = PreferencesFixture::snapshotOf(names);
+        m_user->store->snapshot = PreferencesFixture::snapshotOf(sixtyNetworks());
         m_user->open(Section::networks);
         const auto* area = m_user->view->findChild<QScrollArea*>();
         const auto* last = m_user->control<Switch>(u"Network 59"_s);
@@ -193,6 +184,19 @@ private Q_SLOTS:
         QCOMPARE(QRect(ring->mapToGlobal(QPoint()), ring->size()), focused.adjusted(-3, -3, 3, 3));
         QTest::mouseClick(m_user->item(Section::general), Qt::LeftButton);
         QVERIFY(!ring->isVisible());
+    }
+
+    void modifiersAloneBringNoFocusRing() {
+        m_user->open();
+        const auto* ring = m_user->view->findChild<FocusRing*>();
+        const auto isThereAfter = [this, ring](Qt::Key key) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_user->view->focusWidget(), &press);
+            return ring->isVisible();
+        };
+        for (const Qt::Key key : {Qt::Key_Alt, Qt::Key_Control, Qt::Key_Shift, Qt::Key_Meta, Qt::Key_AltGr})
+            QVERIFY(!isThereAfter(key));
+        QVERIFY(isThereAfter(Qt::Key_A));
     }
 };
 

@@ -1,6 +1,6 @@
 #include "Views/Stepper.h"
 
-#include "Support/PaintCount.h"
+#include "Support/PaintCounter.h"
 
 #include <QAccessible>
 #include <QTest>
@@ -120,14 +120,13 @@ private Q_SLOTS:
     }
 
     void theSameValueAgainPaintsNothing() {
-        QCoreApplication::processEvents();
-        const PaintCount paints;
+        const PaintCounter paints(*m_stepper);
         m_stepper->setValue(10);
-        QCoreApplication::processEvents();
-        QCOMPARE(paints.value(), 0);
+        PaintCounter::settle();
+        QCOMPARE(paints.count(), 0);
         m_stepper->setValue(11);
-        QCoreApplication::processEvents();
-        QVERIFY(paints.value() > 0);
+        PaintCounter::settle();
+        QVERIFY(paints.count() > 0);
     }
 
     void forTheKeyboardItIsOneControl() {
