@@ -8,7 +8,7 @@ namespace torvane {
 
 namespace {
 
-/// As sysexits.h and most programs have it for a command line that makes no sense.
+/// As shells and most programs have it for a command line that makes no sense.
 constexpr int wrongUse = 2;
 
 QString help() {

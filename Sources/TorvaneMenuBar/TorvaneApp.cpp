@@ -36,13 +36,12 @@ std::optional<Appearance> appearance(ColorPreference preference) {
 } // namespace
 
 TorvaneApp::TorvaneApp()
-    : m_popover([this] { return makePopoverView(); })
-    , m_badge(QDBusConnection::sessionBus()) {
-    connectBadge();
+    : m_popover([this] { return makePopoverView(); }) {
+    GasNotifier::requestAuthorization();
     rebuildTimersOnChange(m_settings, m_store);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
-    GasNotifier::requestAuthorization();
+    showBadge();
     QTimer::singleShot(rehearsalDelay, this, &TorvaneApp::rehearse);
 }
 
@@ -68,15 +67,16 @@ void TorvaneApp::comeForward() {
     m_popover.open({});
 }
 
-void TorvaneApp::connectBadge() {
-    connect(&m_feed, &BadgeFeed::lookChanged, &m_badge, &BadgeHost::show);
-    connect(&m_badge, &BadgeHost::appeared, this, &TorvaneApp::begin);
-    connect(&m_badge, &BadgeHost::clicked, &m_popover, &Popover::toggle);
-    connect(&m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
+void TorvaneApp::showBadge() {
+    m_badge.emplace(QDBusConnection::sessionBus());
+    connect(&m_feed, &BadgeFeed::lookChanged, &*m_badge, &BadgeHost::show);
+    connect(&*m_badge, &BadgeHost::appeared, this, &TorvaneApp::begin);
+    connect(&*m_badge, &BadgeHost::clicked, &m_popover, &Popover::toggle);
+    connect(&*m_badge, &BadgeHost::commandChosen, this, &TorvaneApp::obey);
     // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
     connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
-            [this] { m_badge.setPreference(appearance(m_colorScheme.preference())); });
-    m_badge.show(m_feed.look());
+            [this] { m_badge->setPreference(appearance(m_colorScheme.preference())); });
+    m_badge->show(m_feed.look());
     QTimer::singleShot(patienceForBadge, this, &TorvaneApp::begin);
     m_patienceForPanels.setSingleShot(true);
     connect(&m_patienceForPanels, &QTimer::timeout, this, &TorvaneApp::tellWhetherSeen);
@@ -84,7 +84,7 @@ void TorvaneApp::connectBadge() {
 }
 
 void TorvaneApp::tellWhetherSeen() {
-    if (m_badge.kind() == SurfaceKind::none)
+    if (m_badge->kind() == SurfaceKind::none)
         notice(QStringLiteral("No panel here shows the badge so far; it appears as soon as one does. Start velisk once "
                               "more to open its window."));
 }

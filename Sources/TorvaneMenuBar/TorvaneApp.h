@@ -11,6 +11,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <optional>
+
 namespace torvane {
 
 /// The program: the shared objects, which live as long as it does, and what shows them.
@@ -25,7 +27,7 @@ public:
     void comeForward();
 
 private:
-    void connectBadge();
+    void showBadge();
     void begin();
     Task<> beginToFetch();
     void rehearse();
@@ -44,7 +46,7 @@ private:
     Preferences m_preferences{m_store, m_settings, m_updaterState};
     Popover m_popover;
     BadgeFeed m_feed{m_store, m_settings};
-    BadgeHost m_badge;
+    std::optional<BadgeHost> m_badge;
     QTimer m_patienceForPanels;
     SystemChanges m_systemChanges;
     bool m_hasBegun = false;

@@ -18,7 +18,7 @@ program_start "$@"
 program_wait "the label" label_is 12.3 00.0
 rig_pass "the service hands on the figure: $(applications)"
 
-icon=$(applications | grep -o 'velisk-[0-9a-f]*-symbolic' | head -n 1) || rig_fail "the icon has no name"
+icon=$(applications | grep -o 'velisk-[0-9]*-[0-9a-f]*-symbolic' | head -n 1) || rig_fail "the icon has no name"
 [ -f "$XDG_RUNTIME_DIR/velisk/icons/$icon.svg" ] || rig_fail "there is no file for the icon $icon"
 rsvg-convert --width 22 "$XDG_RUNTIME_DIR/velisk/icons/$icon.svg" >"$RIG/icon.png" || rig_fail "the icon is no picture"
 rig_pass "the icon is a picture by its name"

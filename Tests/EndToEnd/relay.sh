@@ -41,7 +41,7 @@ refresh() {
     program_wait "the end of a fetch" more_requests_logged "$before"
 }
 
-# tool_tip_is TEXT: below the title "Ethereum", what stands before the word for the level.
+# tool_tip_is FIGURE: with its unit, before the word for the level.
 tool_tip_is() {
-    item_property "$(find_item)" ToolTip | grep -qF "'Ethereum', '$1 · "
+    item_property "$(find_item)" ToolTip | grep -qF "Ethereum: $1 · "
 }

@@ -28,7 +28,7 @@ rig_enter() {
         return
     fi
     RIG=$(mktemp -d)
-    trap 'rm -rf "$RIG"' EXIT
+    trap rig_remove EXIT
     mkdir -p "$RIG"/{config,cache,data,home,run,log}
     chmod 700 "$RIG/run"
     rig_configure xfce4-panel.xml "$RIG/config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
@@ -42,12 +42,21 @@ rig_enter() {
     unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
     Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$RIG/display" 2>"$RIG/log/xvfb" &
     server=$!
-    trap 'kill "$server"; wait "$server" || true; rm -rf "$RIG"' EXIT
+    trap 'kill "$server"; wait "$server" || true; rig_remove' EXIT
     # The display's number is complete with its line's end.
     rig_wait "the X server" grep -q . "$RIG/display"
     local result=0
     DISPLAY=:$(cat "$RIG/display") timeout --kill-after=10 "${RIG_SESSION_LIMIT:-900}" dbus-run-session -- "$0" "$@" || result=$?
     exit "$result"
+}
+
+# Services that the bus started end a moment after it, and may write until then.
+rig_remove() {
+    rig_wait "the session's services to leave $RIG alone" rig_is_removed
+}
+
+rig_is_removed() {
+    rm -rf "$RIG" 2>/dev/null
 }
 
 # rig_configure FILE PATH: one of the panels' files, with the wanted looks, where its panel reads it.

@@ -78,7 +78,7 @@ rig_pass "the badge has a tooltip"
 choose_preferences
 program_wait "a badge without a figure" program_shows_on symbolic
 program_wait "the item's registration" item_is_registered
-item_property "$(find_item)" IconName | grep -q 'velisk-[0-9a-f]*-symbolic' || rig_fail "the icon has no symbolic name"
+item_property "$(find_item)" IconName | grep -q 'velisk-[0-9]*-[0-9a-f]*-symbolic' || rig_fail "the icon has no symbolic name"
 program_wait "the mark alone" rig_not badge_is_wide 30
 panel_has '#FFFFFF' || panel_has '#EEEEEC' || panel_has '#FEFEFE' || rig_fail "the mark is not in the panel's foreground"
 keep "$RIG/now.png" symbolic.png

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <limits>
 #include <memory>
 
 using namespace torvane;
@@ -100,6 +101,15 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QVERIFY(ageTimer()->interval() > 599'000);
         QCOMPARE(m_feed->findChildren<QTimer*>().size(), 1);
+    }
+
+    void dataFromTheFarFutureAreAwaitedAsLongAsATimerHolds() {
+        for (const qint64 years : {1, 1000, 7000}) {
+            m_store->lastUpdated = start.addDays(years * 365);
+            QCoreApplication::processEvents();
+            QVERIFY(ageTimer()->isActive());
+            QCOMPARE(ageTimer()->interval(), std::numeric_limits<int>::max());
+        }
     }
 
     void withoutDataNothingIsAwaited() {

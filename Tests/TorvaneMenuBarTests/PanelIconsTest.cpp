@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <memory>
+#include <unistd.h>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -51,11 +52,23 @@ private Q_SLOTS:
 
     void whatAKilledProcessLeftGoesAndStrangersStay() {
         PanelIcons files;
-        TestFiles::put(files.folder() + "/velisk-0123456789abcdef.png"_L1, "old");
-        TestFiles::put(files.folder() + "/velisk-0123456789abcdef.png.part"_L1, "half");
+        // Of a number that no process has, and as earlier versions named them.
+        TestFiles::put(files.folder() + "/velisk-4194305-0123456789abcdef.png"_L1, "old");
+        TestFiles::put(files.folder() + "/velisk-4194305-0123456789abcdef.png.part"_L1, "half");
+        TestFiles::put(files.folder() + "/velisk-0123456789abcdef.png"_L1, "older");
         TestFiles::put(files.folder() + "/index.theme"_L1, "strange");
         const auto name = files.put("one", ".png"_L1);
         QCOMPARE(TestFiles::entriesOf(files.folder()), (QStringList{u"index.theme"_s, *name + ".png"_L1}));
+    }
+
+    void thePicturesOfAnotherProcessThatRunsStay() {
+        PanelIcons files;
+        const QString other = u"velisk-%1-0123456789abcdef.png"_s.arg(getppid());
+        TestFiles::put(files.folder() + u'/' + other, "another's");
+        const auto name = files.put("one", ".png"_L1);
+        QStringList expected{other, *name + ".png"_L1};
+        expected.sort();
+        QCOMPARE(TestFiles::entriesOf(files.folder()), expected);
     }
 
     void withoutAPlaceThereIsNoName_data() {

@@ -1,11 +1,10 @@
 #include "Popover.h"
 
 #include "PopoverPlacement.h"
+#include "Support/SizedContent.h"
 
 #include <QApplication>
 #include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -13,39 +12,16 @@ using namespace torvane;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-namespace {
-
-constexpr int contentWidth = 344;
-
-/// Stands for what the popover shows: as large as one says.
-class Content final : public QWidget {
-public:
-    explicit Content(int height)
-        : m_height(height) {}
-
-    QSize sizeHint() const override { return {contentWidth, m_height}; }
-
-    void setHeight(int height) {
-        m_height = height;
-        updateGeometry();
-    }
-
-private:
-    int m_height;
-};
-
-} // namespace
-
 class PopoverTest final : public QObject {
     Q_OBJECT
 
     int m_height = 500;
-    QPointer<Content> m_content;
+    QPointer<SizedContent> m_content;
     const QRect m_badge{600, 4, 22, 22};
 
     Popover::MakeContent makeContent() {
         return [this] {
-            auto content = std::make_unique<Content>(m_height);
+            auto content = std::make_unique<SizedContent>(m_height);
             m_content = content.get();
             return content;
         };
@@ -73,9 +49,6 @@ private Q_SLOTS:
     void anUnknownPlaceIsTheCorner();
     void anUnknownPlaceIsTheLastOne();
     void itFollowsItsContent();
-    void contentTallerThanTheScreenScrolls();
-    void contentThatBecomesTallScrolls();
-    void whatComesToLieUnderARestingPointerIsHovered();
     void contentWhoseHeightGoesByItsWidthIsAsHigh();
     void theWindowIsATranslucentToolOnTop();
     void keysAreTheContents();
@@ -83,7 +56,7 @@ private Q_SLOTS:
 };
 
 QRect PopoverTest::expectedPlace(int height) const {
-    return PopoverPlacement::place({contentWidth, height}, m_badge,
+    return PopoverPlacement::place({SizedContent::fixedWidth, height}, m_badge,
                                    QGuiApplication::primaryScreen()->availableGeometry());
 }
 
@@ -111,7 +84,7 @@ void PopoverTest::aRehearsalLeavesNothing() {
     QCOMPARE(made, 1);
     QVERIFY(!popover.isOpen() && !m_content);
     popover.open(m_badge);
-    const QPointer<Content> content = m_content;
+    const QPointer<SizedContent> content = m_content;
     popover.rehearse();
     QCOMPARE(made, 2); // The open one has loaded everything.
     QVERIFY(popover.isOpen() && content);
@@ -122,7 +95,7 @@ void PopoverTest::aClickOpensItAtTheBadge() {
     popover.toggle(m_badge);
     QVERIFY(window()->isVisible());
     QCOMPARE(window()->geometry(), expectedPlace(500));
-    QCOMPARE(m_content->size(), QSize(contentWidth, 500));
+    QCOMPARE(m_content->size(), QSize(SizedContent::fixedWidth, 500));
     QCOMPARE(window()->windowTitle(), u"velisk"_s);
 }
 
@@ -213,7 +186,7 @@ void PopoverTest::afterEscapeAClickOpensItAtOnce() {
 void PopoverTest::openingAnOpenOneChangesNothing() {
     Popover popover(makeContent());
     popover.open(m_badge);
-    const QPointer<Content> content = m_content;
+    const QPointer<SizedContent> content = m_content;
     popover.open(QRect(10, 500, 22, 22));
     QCOMPARE(m_content, content);
     QCOMPARE(window()->geometry(), expectedPlace(500));
@@ -232,7 +205,8 @@ void PopoverTest::anUnknownPlaceIsTheCorner() {
     Popover popover(makeContent());
     popover.open({});
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    QCOMPARE(window()->geometry(), QRect(area.right() + 1 - contentWidth, area.top(), contentWidth, 500));
+    QCOMPARE(window()->geometry(),
+             QRect(area.right() + 1 - SizedContent::fixedWidth, area.top(), SizedContent::fixedWidth, 500));
 }
 
 void PopoverTest::anUnknownPlaceIsTheLastOne() {
@@ -254,64 +228,6 @@ void PopoverTest::itFollowsItsContent() {
     }
 }
 
-void PopoverTest::contentTallerThanTheScreenScrolls() {
-    m_height = 5000;
-    Popover popover(makeContent());
-    showOpen(popover);
-    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    const auto* scroller = window()->findChild<QScrollArea*>();
-    QScrollBar* bar = scroller->verticalScrollBar();
-    QVERIFY(bar);
-    QVERIFY(area.contains(window()->geometry()));
-    QCOMPARE(window()->height(), area.height());
-    QCOMPARE(window()->width(), contentWidth);
-    QCOMPARE(m_content->size(), QSize(contentWidth, 5000));
-    QTRY_VERIFY(bar->isVisible());
-    const QRect place(bar->mapTo(window(), QPoint()), bar->size());
-    QCOMPARE(place, QRect(contentWidth - bar->sizeHint().width(), 0, bar->sizeHint().width(), area.height()));
-    QTest::keyClick(window()->windowHandle(), Qt::Key_PageDown);
-    QVERIFY(bar->value() > 0);
-    QTRY_COMPARE(m_content->y(), -bar->value());
-    bar->setValue(bar->maximum());
-    QTRY_COMPARE(m_content->y(), area.height() - 5000);
-}
-
-void PopoverTest::contentThatBecomesTallScrolls() {
-    Popover popover(makeContent());
-    showOpen(popover);
-    const auto* scroller = window()->findChild<QScrollArea*>();
-    QVERIFY(!scroller->verticalScrollBar()->isVisible());
-    m_content->setHeight(5000);
-    QTRY_VERIFY(scroller->verticalScrollBar()->isVisible());
-    QTRY_COMPARE(m_content->size(), QSize(contentWidth, 5000));
-    m_content->setHeight(400);
-    QTRY_COMPARE(window()->geometry(), expectedPlace(400));
-    QTRY_COMPARE(m_content->size(), QSize(contentWidth, 400));
-    QVERIFY(!scroller->verticalScrollBar()->isVisible());
-}
-
-void PopoverTest::whatComesToLieUnderARestingPointerIsHovered() {
-    m_height = 5000;
-    Popover popover(makeContent());
-    showOpen(popover);
-    QList<QWidget*> rows;
-    for (int i = 0; i < 100; ++i) {
-        rows.append(new QWidget(m_content));
-        rows.last()->setGeometry(0, i * 50, contentWidth, 50);
-        rows.last()->show();
-    }
-    QTest::mouseMove(rows[2], {100, 25});
-    QTRY_VERIFY(rows[2]->underMouse());
-    window()->findChild<QScrollArea*>()->verticalScrollBar()->setValue(50);
-    QTRY_VERIFY(rows[3]->underMouse());
-    QVERIFY(!rows[2]->underMouse());
-    rows[0]->move(0, 150);
-    rows[0]->raise();
-    m_content->updateGeometry(); // As a layout does that has moved its parts.
-    QTRY_VERIFY(rows[0]->underMouse());
-    QVERIFY(!rows[3]->underMouse());
-}
-
 void PopoverTest::contentWhoseHeightGoesByItsWidthIsAsHigh() {
     const auto wrapped = [] {
         auto content = std::make_unique<QWidget>();
@@ -323,12 +239,12 @@ void PopoverTest::contentWhoseHeightGoesByItsWidthIsAsHigh() {
         row->setFixedHeight(77);
         layout->addWidget(row);
         layout->setContentsMargins(0, 0, 0, 0);
-        content->setFixedWidth(contentWidth);
+        content->setFixedWidth(SizedContent::fixedWidth);
         return content;
     };
     Popover popover(wrapped);
     popover.open(m_badge);
-    QCOMPARE(QApplication::topLevelAt(600, 60)->size(), QSize(contentWidth, 77));
+    QCOMPARE(QApplication::topLevelAt(600, 60)->size(), QSize(SizedContent::fixedWidth, 77));
 }
 
 void PopoverTest::theWindowIsATranslucentToolOnTop() {

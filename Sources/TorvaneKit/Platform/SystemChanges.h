@@ -14,7 +14,7 @@ namespace torvane {
 /// sleep (timerfd_create(2), TFD_TIMER_CANCEL_ON_SET). It costs no wakeup otherwise.
 FileDescriptor clockJumpDescriptor();
 
-/// A socket that tells of links, addresses and routes that come and go (rtnetlink(7)).
+/// A socket that tells of addresses that come and go, as they do with their links (rtnetlink(7)).
 FileDescriptor networkDescriptor();
 
 /// The addresses by which this machine reaches others, a line for each with its interface, sorted.

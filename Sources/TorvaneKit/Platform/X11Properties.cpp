@@ -86,6 +86,10 @@ bool X11::isRunning() {
     return connection();
 }
 
+bool X11::knowsThePointer() {
+    return isRunning() && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 X11::Compositing X11::compositing() {
     if (!isRunning())
         return {};

@@ -13,6 +13,10 @@ namespace torvane::X11 {
 /// Whether Qt draws on an X server, one inside a Wayland session included.
 bool isRunning();
 
+/// Whether the server always knows where the pointer is. Inside a Wayland session it does not: there it hears of the
+/// pointer while that is over windows of its own clients, and panels seldom are such.
+bool knowsThePointer();
+
 /// Who puts windows together on the screen. Without a compositor, transparent parts of windows are black.
 struct Compositing {
     bool isRunning = false;

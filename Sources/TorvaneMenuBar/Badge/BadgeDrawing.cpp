@@ -1,7 +1,5 @@
 #include "Badge/BadgeDrawing.h"
 
-#include "Design/Artwork.h"
-#include "Design/ChainGlyph.h"
 #include "Design/DesignSystem.h"
 #include "Support/FixedPoint.h"
 
@@ -64,28 +62,6 @@ void drawMark(QPainter& painter, const BadgePicture& picture, const BadgeInk& in
     painter.setFont(Fonts::mono(MenuBarLabel::fontSize * place.width() / badgePoints, QFont::Medium));
     painter.setPen(ink.color);
     painter.drawText(place, Qt::AlignCenter, picture.tag);
-}
-
-QPainterPath circle(const QRectF& bounds) {
-    QPainterPath path;
-    path.addEllipse(bounds);
-    return path;
-}
-
-/// As the icon draws itself, in its own points.
-QPainterPath markPath(const MenuBarBadgeIcon& icon) {
-    // Cutting turns curves into lines of about a unit: they have to be long in units to be smooth.
-    constexpr double enlarged = 100;
-    const QTransform points = QTransform::fromScale(1 / enlarged, 1 / enlarged);
-    const QTransform units = QTransform::fromScale(enlarged, enlarged);
-    QTransform place = QTransform::fromTranslate(icon.mark().x(), icon.mark().y());
-    place.scale(icon.size / Artwork::boxSide, icon.size / Artwork::boxSide);
-    const QPainterPath mark = place.map(ChainGlyph::path(icon.chain));
-    if (!icon.dotColor)
-        return mark;
-    QPainterPath whole = points.map(units.map(mark).subtracted(units.map(circle(icon.cutOut()))));
-    whole.addPath(circle(icon.dot()));
-    return whole;
 }
 
 FigureOutline outlineOf(const BadgePicture& picture) {
@@ -217,7 +193,7 @@ QByteArray symbolicBadge(const BadgePicture& picture, const QColor& color) {
     const QString svg = u"<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\" viewBox=\"0 0 36 36\">"
                         "<style id=\"current-color-scheme\" type=\"text/css\">.ColorScheme-Text{color:%1}</style>"
                         "%2%3</svg>"_s;
-    return svg.arg(color.name(), shape(place.map(markPath(picture.icon))), shape(layout.figure)).toUtf8();
+    return svg.arg(color.name(), shape(place.map(picture.icon.shape())), shape(layout.figure)).toUtf8();
 }
 
 } // namespace torvane

@@ -2,7 +2,17 @@
 
 #include "Support/Clock.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace torvane {
+
+namespace {
+
+/// A stamp from the far future is awaited in several rounds: a timer holds 24.8 days.
+constexpr qint64 longestMs = std::numeric_limits<int>::max();
+
+} // namespace
 
 BadgeFeed::BadgeFeed(const SnapshotStore& store, const AppSettings& settings)
     : m_store(store)
@@ -40,7 +50,7 @@ void BadgeFeed::awaitAge() {
     // One millisecond more than fresh; a timer that fires early, as coarse ones may, is set anew.
     const auto left = Clock::now().msecsTo(lastUpdated->addDuration(badgeFreshness)) + 1;
     if (left > 0)
-        m_age.start(std::chrono::milliseconds(left));
+        m_age.start(static_cast<int>(std::min(left, longestMs)));
 }
 
 } // namespace torvane

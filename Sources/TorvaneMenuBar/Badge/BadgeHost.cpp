@@ -5,6 +5,7 @@
 #include "Badge/SymbolicBadge.h"
 #include "Badge/TrayWindowBadge.h"
 #include "Badge/WideBadge.h"
+#include "Platform/X11Properties.h"
 
 #include <QCursor>
 #include <QDBusPendingCallWatcher>
@@ -199,7 +200,7 @@ void BadgeHost::draw() {
 
 /// On X11 the pointer is still where the badge was clicked, whatever the panel says.
 QRect BadgeHost::placeOf(QPoint stated) const {
-    if (m_tray.connection())
+    if (X11::knowsThePointer())
         return {QCursor::pos(), QSize(1, 1)};
     const bool isRight = m_panel == PanelKind::plasma || m_panel == PanelKind::swaybar;
     return isRight ? QRect(stated, QSize(1, 1)) : QRect();

@@ -35,8 +35,7 @@ void NotifierBadge::showWanted() {
         draw(m_wanted.picture, m_wantedInk, m_shown);
     }
     m_shown.title = m_wanted.title();
-    m_shown.toolTipTitle = m_wanted.picture.icon.chain;
-    m_shown.toolTipText = m_wanted.detail;
+    m_shown.toolTipTitle = m_wanted.title(); // LXQt's panel shows nothing else of a tooltip.
     m_item.show(m_shown);
 }
 

@@ -2,9 +2,13 @@
 
 #include "Support/BaseDirectory.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+
+#include <string>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +22,16 @@ constexpr auto unfinished = ".part"_L1;
 QString folderForIcons() {
     const QString runtime = BaseDirectory::runtime();
     return runtime.isEmpty() ? runtime : runtime + "/velisk/icons"_L1;
+}
+
+QString processNumber() {
+    return QString::fromStdString(std::to_string(QCoreApplication::applicationPid()));
+}
+
+/// Whether the file is that of another process that runs: of a demo beside the program, or of another display's.
+bool isOfAnother(const QString& file) {
+    const QString process = file.section(u'-', 1, 1);
+    return process != processNumber() && QFile::exists("/proc/"_L1 + process);
 }
 
 /// The file is whole under its name, or not there.
@@ -42,7 +56,7 @@ std::optional<QString> PanelIcons::put(const QByteArray& picture, QLatin1StringV
     if (m_folder.isEmpty() || !QDir().mkpath(m_folder))
         return std::nullopt;
     const QByteArray hash = QCryptographicHash::hash(picture, QCryptographicHash::Sha1).toHex().left(16);
-    const QString file = prefix + QString::fromLatin1(hash) + suffix;
+    const QString file = prefix + processNumber() + u'-' + QString::fromLatin1(hash) + suffix;
     const QString path = m_folder + u'/' + file;
     if (!QFile::exists(path) && !write(path, picture))
         return std::nullopt;
@@ -56,7 +70,7 @@ std::optional<QString> PanelIcons::put(const QByteArray& picture, QLatin1StringV
 void PanelIcons::removeOthers() const {
     QDir folder(m_folder);
     for (const QString& name : folder.entryList({prefix + u'*'}, QDir::Files)) {
-        if (name != m_current && name != m_previous)
+        if (name != m_current && name != m_previous && !isOfAnother(name))
             folder.remove(name);
     }
 }
