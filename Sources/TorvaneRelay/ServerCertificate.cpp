@@ -137,6 +137,7 @@ ServerCertificate ServerCertificate::at(const QString& path, const QString& host
     const ServerCertificate files{path,
                                   file.path() + QLatin1Char('/') + file.completeBaseName() + QStringLiteral(".key")};
     const QByteArray name = host.toUtf8();
+    const SafeFile::EditLock lock(path); // Key and certificate are two files: one start at a time makes them.
     if (filesServe(files, name))
         return files;
     if (QFileInfo::exists(path) && !QFileInfo::exists(files.key))

@@ -14,6 +14,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <thread>
+#include <vector>
+
 using namespace torvane;
 
 namespace {
@@ -104,6 +107,20 @@ private Q_SLOTS:
         QVERIFY(isNew(localhost));
         TestFiles::put(m_directory->filePath(QStringLiteral("velisk/relay.key")), "no key");
         QVERIFY(isNew(localhost));
+    }
+
+    /// Whoever starts second must find a pair, never one's key and the other's certificate.
+    void firstStartsAtTheSameTimeAgreeOnOne() {
+        for (int round = 0; round < 20; ++round) {
+            m_directory = std::make_unique<QTemporaryDir>();
+            std::vector<std::thread> starts;
+            for (int i = 0; i < 6; ++i)
+                starts.emplace_back([this] { static_cast<void>(certificate()); });
+            for (std::thread& start : starts)
+                start.join();
+            const QByteArray agreed = TestFiles::contentOf(certificatePath());
+            QCOMPARE(TestFiles::contentOf(certificate().certificate), agreed); // A pair that fails is made anew.
+        }
     }
 
     void somebodyElsesCertificateIsLeftAlone() {
