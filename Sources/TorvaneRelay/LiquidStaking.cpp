@@ -76,12 +76,13 @@ LiquidStakingData liquidStaking(const QList<LiquidStakingProtocol>& protocols, c
     LiquidStakingData data{};
     data.protocols = protocols;
     qsizetype read = 0;
+    double total = 0;
     for (const LiquidStakingProtocol& protocol : protocols) {
-        if (!protocol.ethEquivalent)
-            continue;
-        data.totalEthEquivalent = data.totalEthEquivalent.value_or(0) + *protocol.ethEquivalent;
-        ++read;
+        total += protocol.ethEquivalent.value_or(0);
+        read += protocol.ethEquivalent ? 1 : 0;
     }
+    if (read > 0 && read == protocols.size()) // The sum of some would pass for the sum of all.
+        data.totalEthEquivalent = total;
     const QString counts = QString::number(read) + QStringLiteral(" of ") + QString::number(protocols.size());
     data.provenance = {statusOf(read, protocols.size()), source(),
                        counts + QStringLiteral(" protocols read at block ") + block +

@@ -106,6 +106,17 @@ private Q_SLOTS:
         QVERIFY(!TestFiles::contentOf(document()).contains("null"));
     }
 
+    void aProtocolThatIsMissingLeavesNoTotal() {
+        m_world->chain(QStringLiteral("Ethereum"))
+            .misbehave(QStringLiteral("totalSupply() of 0xae7a"), StandInAnswer::status(503));
+        QVERIFY(run());
+        const LiquidStakingData staking = written().staking.liquidStaking;
+        QCOMPARE(staking.protocols[1].ethEquivalent, std::optional(1125.0));
+        QVERIFY(!staking.totalEthEquivalent); // A part would pass for the whole.
+        QCOMPARE(staking.provenance.status, QStringLiteral("partial"));
+        QCOMPARE(staking.provenance.detail.section(u';', 0, 0), QStringLiteral("2 of 3 protocols read at block 1144"));
+    }
+
     void everyoneMayReadTheDocument() {
         QVERIFY(run());
         struct stat status {};
