@@ -44,12 +44,14 @@ void RequestGate::admit() {
         armFor(m_hosts[place->m_host]);
 }
 
-/// Comes back when the host's pause is over. Where the host is busy, whoever leaves it calls.
+/// Comes back when the host's pause is over, also if it ended just now: nobody else might. Where there is no room,
+/// whoever leaves calls.
 void RequestGate::armFor(const Host& host) {
-    const int remaining = static_cast<int>(host.pause.remainingTime()) + 1; // Rounded down, it would wake too early.
-    if (host.pause.hasExpired() || (m_timer.isActive() && m_timer.remainingTime() <= remaining))
+    if (m_inside >= m_limits.atOnce || host.inside >= m_limits.atOncePerHost)
         return;
-    m_timer.start(remaining);
+    const int remaining = static_cast<int>(host.pause.remainingTime()) + 1; // Rounded down, it would wake too early.
+    if (!m_timer.isActive() || m_timer.remainingTime() > remaining)
+        m_timer.start(remaining);
 }
 
 void RequestGate::leave(const QString& host) {

@@ -42,6 +42,13 @@ Task<> visit(RequestGate& gate, Crowd& crowd, QString host) {
     crowd.leave(host);
 }
 
+/// Leaves as soon as it is inside.
+Task<> glance(RequestGate& gate, int& count) {
+    RequestGate::Place place(gate, QStringLiteral("a"));
+    co_await place;
+    ++count;
+}
+
 void visitAll(RequestGate& gate, Crowd& crowd, const QStringList& hosts) {
     std::vector<Task<>> tasks;
     for (const QString& host : hosts)
@@ -91,6 +98,19 @@ private Q_SLOTS:
         visitAll(gate, crowd, QStringList(6, a));
         QVERIFY(time.elapsed() >= 100); // Five pauses: a lower bound, which no load can break.
         QCOMPARE(crowd.order.size(), 6);
+    }
+
+    /// Pauses of the length of a turn of the loop: again and again one ends just while the gate looks at it.
+    void nobodyIsForgottenWhenAPauseEnds() {
+        RequestGate gate({10, 10, 50'000});
+        int count = 0;
+        for (int round = 0; round < 40; ++round) {
+            std::vector<Task<>> tasks;
+            for (int i = 0; i < 50; ++i)
+                tasks.push_back(glance(gate, count));
+            await(whenAll(std::move(tasks)));
+        }
+        QCOMPARE(count, 2000);
     }
 
     void whoeverGivesUpLeavesTheQueue() {
