@@ -88,10 +88,11 @@ QRect smallAround(const QRect& corner, const QRect& rectangle) {
     return corner.adjusted(-2 * popoverRadius, -2 * popoverRadius, 2 * popoverRadius, 2 * popoverRadius) & rectangle;
 }
 
-/// Only the corners are worth a path, which takes its time with every row that it crosses.
+/// Only the corners are worth a path, which takes its time with every row that it crosses. But where the lines cover
+/// odd parts of pixels, paths and rectangles round these differently.
 void paintEdge(QPainter& painter, const QRect& rectangle, const QRect& exposed) {
-    const double corner = popoverRadius * painter.deviceTransform().m11();
-    if (corner != std::floor(corner)) { // Corners and sides would meet within a pixel.
+    const double halves = 2 * painter.deviceTransform().m11();
+    if (halves != std::floor(halves)) {
         paintWholeEdge(painter, rectangle);
         return;
     }
