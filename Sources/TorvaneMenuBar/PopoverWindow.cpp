@@ -59,6 +59,8 @@ PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badg
 void PopoverWindow::open() {
     X11::skipTaskbarAndPager(winId());
     show();
+    // Qt has every widget painted once more when it was shown; said before the first frame, it means that one.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
     activateWindow();
     m_scroller->widget()->setFocus();
 }

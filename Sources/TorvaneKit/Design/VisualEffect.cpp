@@ -6,8 +6,10 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QWindow>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace torvane {
@@ -39,10 +41,72 @@ QPainterPath ring(const QRectF& rectangle, double radius, double width) {
     return path; // Filled by the odd-even rule, which is a path's own.
 }
 
+/// A line of the popover's edge.
+struct EdgeLine {
+    double inset;
+    double width;
+    QColor color;
+};
+
 /// Outside, a line that sets the window off from one of the same colour; inside it the edge of the glass, a hairline.
-void paintEdge(QPainter& painter, const QRectF& rectangle) {
-    painter.fillPath(ring(rectangle, popoverRadius, 1), QColor(Palette::line2));
-    painter.fillPath(ring(rectangle.adjusted(1, 1, -1, -1), popoverRadius - 1, 0.5), QColor(Palette::glassStroke));
+std::array<EdgeLine, 2> edgeLines() {
+    return {{{0, 1, Palette::line2}, {1, 0.5, Palette::glassStroke}}};
+}
+
+void paintWholeEdge(QPainter& painter, const QRectF& rectangle) {
+    for (const auto& [inset, width, color] : edgeLines())
+        painter.fillPath(ring(rectangle.adjusted(inset, inset, -inset, -inset), popoverRadius - inset, width), color);
+}
+
+/// As much of the straight lines as reaches into a part of the window.
+void paintStraightEdge(QPainter& painter, const QRectF& rectangle, const QRectF& part) {
+    for (const auto& [inset, width, color] : edgeLines()) {
+        const QRectF outer = rectangle.adjusted(inset, inset, -inset, -inset);
+        const QRectF inner = outer.adjusted(width, width, -width, -width);
+        for (const QRectF& line :
+             {QRectF(outer.topLeft(), inner.bottomLeft()), QRectF(inner.topRight(), outer.bottomRight()),
+              QRectF(outer.topLeft(), inner.topRight()), QRectF(inner.bottomLeft(), outer.bottomRight())}) {
+            if (line.intersects(part))
+                painter.fillRect(line, color);
+        }
+    }
+}
+
+/// Piece by piece: Qt hands what has about a hundred rows of pixels to other threads and waits for them, which takes
+/// far longer than filling them.
+void paintSide(QPainter& painter, const QRect& rectangle, const QRect& side) {
+    constexpr int pieceHeight = 32;
+    for (int top = side.top(); top <= side.bottom(); top += pieceHeight) {
+        const QRect piece = QRect(side.left(), top, side.width(), pieceHeight) & side;
+        painter.setClipRect(piece);
+        paintStraightEdge(painter, rectangle, piece);
+    }
+}
+
+/// A smaller rectangle with the same corner.
+QRect smallAround(const QRect& corner, const QRect& rectangle) {
+    return corner.adjusted(-2 * popoverRadius, -2 * popoverRadius, 2 * popoverRadius, 2 * popoverRadius) & rectangle;
+}
+
+/// Only the corners are worth a path, which takes its time with every row that it crosses. But where the lines cover
+/// odd parts of pixels, paths and rectangles round these differently.
+void paintEdge(QPainter& painter, const QRect& rectangle, const QRect& exposed) {
+    const double halves = 2 * painter.deviceTransform().m11();
+    if (halves != std::floor(halves)) {
+        paintWholeEdge(painter, rectangle);
+        return;
+    }
+    const QRect upright = rectangle.adjusted(0, popoverRadius, 0, -popoverRadius);
+    const QRect level = rectangle.adjusted(popoverRadius, 0, -popoverRadius, 0);
+    for (const QRect& rounded : QRegion(rectangle) - upright - level) {
+        if (!rounded.intersects(exposed))
+            continue;
+        painter.setClipRect(rounded);
+        paintWholeEdge(painter, smallAround(rounded, rectangle));
+    }
+    for (const QRect& side : (QRegion(upright) ^ level) & exposed)
+        paintSide(painter, rectangle, side);
+    painter.setClipping(false);
 }
 
 /// A translucent colour upon an opaque one.
@@ -120,10 +184,8 @@ void VisualEffect::shapeWindow() {
         return;
     const QRect place(mapTo(window(), QPoint()), size());
     const int radius = radiusOf(m_material);
-    if (m_look.isCutOut)
-        window()->setMask(outline(place, radius));
-    else
-        window()->clearMask();
+    // Of the native window alone: clipped to so many rectangles, the widgets would take twice as long to paint.
+    window()->windowHandle()->setMask(m_look.isCutOut ? outline(place, radius) : QRegion());
     const double scale = devicePixelRatio();
     X11::setBlurBehind(window()->winId(),
                        m_look.isBlurred ? outline(scaled(place, scale), qRound(radius * scale)) : QRegion());
@@ -146,7 +208,7 @@ void VisualEffect::paintEvent(QPaintEvent* event) {
         painter.fillPath(rounded(rect(), popoverRadius), glass);
         painter.setClipping(false);
     }
-    paintEdge(painter, rect());
+    paintEdge(painter, rect(), event->rect());
 }
 
 } // namespace torvane

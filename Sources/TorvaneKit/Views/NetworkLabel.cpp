@@ -28,7 +28,7 @@ bool NetworkLabel::set(const QString& name, const QString& status) {
 }
 
 void NetworkLabel::paint(QPainter& painter, QPointF corner, double room, const QColor& statusColor) {
-    m_mark.paint(painter, QRectF(corner + QPointF(0, (height - markSize) / 2), QSizeF(markSize, markSize)),
+    m_mark.paint(painter, QRectF(corner + QPointF(0, (height - markSize) / 2), QSizeF(markSize, markSize)), m_markName,
                  [this](QPainter& drawing, const QRectF& box) { ChainIcon::paint(drawing, box, m_markName); });
     const double left = corner.x() + textStart;
     painter.setPen(Palette::ink);

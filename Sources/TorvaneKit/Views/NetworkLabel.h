@@ -34,7 +34,7 @@ private:
     TextRun m_name;
     TextRun m_status;
     QString m_markName;
-    CachedDrawing m_mark;
+    CachedDrawing<QString> m_mark;
 };
 
 } // namespace torvane

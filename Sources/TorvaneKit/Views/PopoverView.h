@@ -40,6 +40,8 @@ Q_SIGNALS:
 
 protected:
     bool focusNextPrevChild(bool next) override;
+    void focusInEvent(QFocusEvent*) override {}  // Unlike a widget's own, which repaints all of it:
+    void focusOutEvent(QFocusEvent*) override {} // nothing shows that the view has the keyboard.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

@@ -103,7 +103,7 @@ void Sparkline::paintEvent(QPaintEvent*) {
     if (m_values.size() < 2)
         return;
     QPainter painter(this);
-    m_drawing.paint(painter, QRectF(rect()),
+    m_drawing.paint(painter, QRectF(rect()), m_values,
                     [this](QPainter& drawing, const QRectF& box) { draw(drawing, box, m_values); });
 }
 

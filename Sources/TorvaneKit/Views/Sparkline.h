@@ -41,7 +41,7 @@ protected:
 private:
     QString m_heading;
     QList<double> m_values;
-    CachedDrawing m_drawing;
+    CachedDrawing<QList<double>> m_drawing;
 };
 
 } // namespace torvane
