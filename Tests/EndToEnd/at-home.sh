@@ -35,7 +35,7 @@ popover_is_at_the_badge() {
     eval "$(xdotool getwindowgeometry --shell "$(popover_id)")"
     IFS='x+' read -r width _ left _ <<<"$badge"
     middle=$((left + width / 2))
-    read -r area_x area_y area_width area_height < <(xprop -root _NET_WORKAREA | grep -o '[0-9].*' | tr -d ,)
+    read -r area_x area_y area_width area_height _ < <(xprop -root _NET_WORKAREA | grep -o '[0-9].*' | tr -d ,)
     [ "$Y" -eq "$area_y" ] && [ $((Y + HEIGHT)) -le $((area_y + area_height)) ] &&
         [ "$X" -ge "$area_x" ] && [ $((X + WIDTH)) -le $((area_x + area_width)) ] &&
         [ "$X" -le "$middle" ] && [ $((X + WIDTH)) -ge "$middle" ]
