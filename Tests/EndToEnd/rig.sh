@@ -287,11 +287,12 @@ box_corner() {
     echo "$x $y"
 }
 
-# click BUTTON BOX: in the middle of a rectangle WxH+X+Y.
+# click BUTTON BOX: in the middle of a rectangle WxH+X+Y. The pointer comes from aside, as a hand does: a panel's button
+# that was made anew under a pointer at rest does not know that it is there.
 click() {
     local width height x y
     IFS='x+' read -r width height x y <<<"$2"
-    xdotool mousemove $((x + width / 2)) $((y + height / 2)) click "$1"
+    xdotool mousemove $((x + width / 2)) $((y + height / 2 + 200)) mousemove $((x + width / 2)) $((y + height / 2)) click "$1"
 }
 
 # screen_differs FILE COUNT: as panel_differs, for the whole screen.
