@@ -1,6 +1,6 @@
 // Polls the Ethereum node again and again as the program does: through the store, from the request to the published
 // snapshot and to the badge that compares its look. LivePollOurs URL COUNT
-#include "Badge/BadgeText.h"
+#include "Badge/BadgeFeed.h"
 #include "Coordination/SnapshotStore.h"
 #include "PollMeasure.h"
 #include "Support/JSON.h"
@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <utility>
 
 using namespace torvane;
 
@@ -27,7 +28,7 @@ public:
         : m_defaults(home + QStringLiteral("/preferences.json"), home)
         , m_store(m_settings, m_defaults)
         , m_count(count) {
-        connect(&m_store, &ObservableObject::objectWillChange, this, &Polls::compareBadgeSoon);
+        connect(&m_feed, &BadgeFeed::lookChanged, this, &Polls::compareBadge);
     }
 
     void start() {
@@ -45,7 +46,7 @@ private:
     }
 
     void next() {
-        if (!m_store.ethereumBlockNumber.value() || m_badgeIsStale) {
+        if (!m_store.ethereumBlockNumber.value() || !std::exchange(m_isCompared, false)) {
             std::fprintf(stderr, "The poll brought no figures\n");
             QCoreApplication::exit(1);
             return;
@@ -57,30 +58,24 @@ private:
         QCoreApplication::quit();
     }
 
-    /// As the application does.
-    void compareBadgeSoon() {
-        if (m_badgeIsStale)
+    /// As the badge does.
+    void compareBadge(const BadgeLook& look) {
+        m_isCompared = true;
+        if (look == m_look)
             return;
-        m_badgeIsStale = true;
-        const auto compare = [this] {
-            m_badgeIsStale = false;
-            const BadgeLook look = badgeLook(m_store.snapshot, m_settings);
-            if (look == m_look)
-                return;
-            m_look = look;
-            ++m_changes;
-        };
-        QMetaObject::invokeMethod(this, compare, Qt::QueuedConnection);
+        m_look = look;
+        ++m_changes;
     }
 
     UserDefaults m_defaults;
     AppSettings m_settings{m_defaults};
     SnapshotStore m_store;
+    BadgeFeed m_feed{m_store, m_settings};
     std::size_t m_count;
     PollMeasure m_measure;
     BadgeLook m_look;
     int m_changes = 0;
-    bool m_badgeIsStale = false;
+    bool m_isCompared = false;
     TaskScope m_tasks;
 };
 
