@@ -50,6 +50,11 @@ const QString& currentVersion() {
     return version;
 }
 
+const QString& updatePublicKey() {
+    static const QString none;
+    return none;
+}
+
 const QStringList& ethereumRPCURLs() {
     return g_ethereumRPCURLs;
 }

@@ -37,6 +37,11 @@ const QUrl& appcastURL() {
     return url;
 }
 
+const QString& updatePublicKey() {
+    static const QString key = QStringLiteral(TORVANE_UPDATE_PUBLIC_KEY);
+    return key;
+}
+
 const QString& currentVersion() {
     static const QString version = QStringLiteral(TORVANE_VERSION);
     return version;

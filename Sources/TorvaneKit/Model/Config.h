@@ -17,6 +17,10 @@ const QUrl& etherscanGasURL();
 /// The update feed on the relay's host, path "/torvane/appcast.xml".
 const QUrl& appcastURL();
 
+/// The key that updates must be signed with: base64 of an Ed25519 public key (RFC 8032), or empty where the build takes
+/// no updates.
+const QString& updatePublicKey();
+
 /// The program's version, for example "0.3.0".
 const QString& currentVersion();
 
