@@ -33,6 +33,7 @@ public:
 private:
     void ownerChanged(const QString& owner);
     void ownerKnown(const QDBusPendingCallWatcher& reply, const QString& owner);
+    void ask(const QString& owner, int times);
     void lookForSocket();
     void decide(bool isThere);
 
