@@ -66,10 +66,18 @@ void Takeover::start(const QString& executable) {
     connect(ending, &QSocketNotifier::activated, this, [this, ending] {
         ending->setEnabled(false);
         decide(false);
+        m_ended.set(true);
     });
     m_limit.start();
     if (!m_bus.isConnected())
         m_nextLook.start(lookInterval);
+}
+
+Task<> Takeover::end() {
+    if (!m_program || m_isThere)
+        co_return;
+    m_program->kill();
+    co_await m_ended;
 }
 
 void Takeover::ownerChanged(const QString& owner) {
