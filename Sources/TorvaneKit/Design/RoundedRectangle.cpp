@@ -69,7 +69,8 @@ Tile drawn(const Look& look) {
     QPainter painter(&pixels);
     painter.scale(look.scale, look.scale);
     paintByPaths(painter, QRectF(QPointF(), QSizeF(pixels.size()) / look.scale), look.radius, look.coats);
-    return {pixels, corner};
+    painter.end();
+    return {pixels.copy(), corner}; // What was painted on keeps Qt's engine, which is larger than the pixels.
 }
 
 const Tile& tile(const Look& look) {
