@@ -49,12 +49,22 @@ QRect scaled(const QRect& rectangle, double scale) {
 
 QRegion VisualEffect::outline(const QRect& rectangle, int radius) {
     const int rounded = std::min({radius, rectangle.width() / 2, rectangle.height() / 2});
-    QRegion region(rectangle.adjusted(0, rounded, 0, -rounded));
+    QList<QRect> rows;
+    const auto append = [&](const QRect& row) {
+        if (!row.isEmpty())
+            rows.append(row);
+    };
     for (int row = 0; row < rounded; ++row) {
         const int free = indent(rounded, row);
-        region += QRect(rectangle.x() + free, rectangle.top() + row, rectangle.width() - 2 * free, 1);
-        region += QRect(rectangle.x() + free, rectangle.bottom() - row, rectangle.width() - 2 * free, 1);
+        append({rectangle.x() + free, rectangle.top() + row, rectangle.width() - 2 * free, 1});
     }
+    append(rectangle.adjusted(0, rounded, 0, -rounded));
+    for (int row = rounded - 1; row >= 0; --row) {
+        const int free = indent(rounded, row);
+        append({rectangle.x() + free, rectangle.bottom() - row, rectangle.width() - 2 * free, 1});
+    }
+    QRegion region; // At once: united one by one, each row would be compared with all before it.
+    region.setRects(rows.constData(), static_cast<int>(rows.size()));
     return region;
 }
 
@@ -66,29 +76,30 @@ BackdropLook backdropLook(BlendingMode mode, bool isX11, const X11::Compositing&
     return {!isBlurred, isBlurred, !cornersMayBeTransparent};
 }
 
-VisualEffect::VisualEffect(Material material, BlendingMode blendingMode, QWidget* parent)
+VisualEffect::VisualEffect(Material material, BlendingMode blendingMode, QWidget* parent,
+                           const X11::Compositing& compositing)
     : QWidget(parent)
     , m_material(material)
     , m_blendingMode(blendingMode) {
-    adapt();
+    adapt(compositing);
 }
 
 void VisualEffect::setMaterial(Material material) {
     if (material == m_material)
         return;
     m_material = material;
-    adapt();
+    adapt(X11::compositing());
 }
 
 void VisualEffect::setBlendingMode(BlendingMode mode) {
     if (mode == m_blendingMode)
         return;
     m_blendingMode = mode;
-    adapt();
+    adapt(X11::compositing());
 }
 
-void VisualEffect::adapt() {
-    m_look = backdropLook(m_blendingMode, X11::isRunning(), X11::compositing());
+void VisualEffect::adapt(const X11::Compositing& compositing) {
+    m_look = backdropLook(m_blendingMode, X11::isRunning(), compositing);
     if (m_blendingMode == BlendingMode::behindWindow && !m_look.isCutOut)
         window()->setAttribute(Qt::WA_TranslucentBackground);
     shapeWindow();
