@@ -1,4 +1,5 @@
 # Sets glibc, glibcxx, qt and libraries: what `program` needs of the system it runs on, read from the program itself.
+# built_on is the system that this is.
 execute_process(COMMAND "${objdump}" --dynamic-syms "${program}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 foreach(library IN ITEMS GLIBC GLIBCXX Qt)
     string(REGEX MATCHALL "\\(${library}_[0-9.]+\\)" versions "${symbols}")
@@ -14,4 +15,5 @@ list(TRANSFORM libraries REPLACE "NEEDED +" "")
 # Loaded while it runs.
 list(APPEND libraries libcurl.so.4)
 list(SORT libraries)
-list(JOIN libraries ", " libraries)
+list(JOIN libraries "\n    " libraries)
+cmake_host_system_information(RESULT built_on QUERY DISTRIB_PRETTY_NAME)
