@@ -1,5 +1,5 @@
 // Writes sheets of all marks and symbols: MarksGallery FOLDER. marks-LOOK-SCALEx.png has the marks in colour and in one
-// colour at the sizes where they stand, LOOK being light or dark; marks-LOOK-zoom.png has their smallest, enlarged
+// colour at the sizes where they stand, LOOK being light or dark; marks-zoom-LOOK-1x.png has their smallest, enlarged
 // pixel by pixel.
 
 #include "Design/ChainGlyph.h"
@@ -94,7 +94,9 @@ bool writeSheets(const QDir& folder, const QString& look) {
     for (const int scale : {1, 2, 3})
         ok &= save(sheet(rowsOf({15, 24, 52}), scale), folder, u"marks-%1-%2x.png"_s.arg(look).arg(scale));
     const QImage smallest = sheet(rowsOf({12, 15}), 1);
-    return save(smallest.scaled(smallest.size() * 5), folder, u"marks-%1-zoom.png"_s.arg(look)) && ok;
+    QImage zoom = smallest.scaled(smallest.size() * 5);
+    zoom.setText(u"Description"_s, u"The smallest, pixel by pixel"_s);
+    return save(zoom, folder, u"marks-zoom-%1-1x.png"_s.arg(look)) && ok;
 }
 
 } // namespace

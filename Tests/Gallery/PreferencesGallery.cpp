@@ -1,3 +1,6 @@
+// Writes pictures of the preferences in all their states: PreferencesGallery FOLDER. preferences-STATE-LOOK-SCALEx.png,
+// LOOK being light or dark. Fonts and scale are the environment's: FONTCONFIG_FILE, QT_SCALE_FACTOR.
+
 #include "Design/Theme.h"
 #include "TorvaneKitTests/Views/PreferencesFixture.h"
 #include "Views/ChainPicker.h"
@@ -14,7 +17,8 @@ using Section = PreferencesView::Section;
 
 namespace {
 
-bool save(QWidget& widget, const QDir& folder, const QString& name) {
+bool save(QWidget& widget, const QDir& folder, const QString& subject) {
+    const QString name = u"%1-%2x.png"_s.arg(subject).arg(widget.devicePixelRatio());
     if (widget.grab().save(folder.filePath(name)))
         return true;
     std::fprintf(stderr, "PreferencesGallery: cannot write %s\n", qUtf8Printable(folder.filePath(name)));
@@ -26,7 +30,7 @@ bool savePanels(PreferencesFixture& user, const QDir& folder, const QString& loo
     for (const Section section : allCases<Section>()) {
         user.go(section);
         const QString panel = QString(rawValue(section)).toLower().remove(u' ');
-        ok &= save(*user.view, folder, u"preferences-%1-%2.png"_s.arg(look, panel));
+        ok &= save(*user.view, folder, u"preferences-%1-%2"_s.arg(panel, look));
     }
     return ok;
 }
@@ -36,12 +40,12 @@ bool savePicker(PreferencesFixture& user, const QDir& folder, const QString& loo
     user.go(Section::menuBar);
     auto* picker = user.control<ChainPicker>(u"Chain"_s);
     picker->showPopup();
-    bool ok = save(*picker->view()->window(), folder, u"preferences-%1-list.png"_s.arg(look));
+    bool ok = save(*picker->view()->window(), folder, u"preferences-list-%1"_s.arg(look));
     picker->hidePopup();
     QTest::keyClick(user.view->focusWidget(), Qt::Key_Tab);
-    ok &= save(*user.view, folder, u"preferences-%1-focus.png"_s.arg(look));
+    ok &= save(*user.view, folder, u"preferences-focus-%1"_s.arg(look));
     QTest::keyClick(picker, Qt::Key_Tab);
-    return save(*user.view, folder, u"preferences-%1-focus-switch.png"_s.arg(look)) && ok;
+    return save(*user.view, folder, u"preferences-focus-switch-%1"_s.arg(look)) && ok;
 }
 
 bool saveAll(Appearance appearance, const QDir& folder) {
@@ -60,7 +64,6 @@ bool saveAll(Appearance appearance, const QDir& folder) {
 
 } // namespace
 
-/// Fonts and scale are the environment's: FONTCONFIG_FILE, QT_SCALE_FACTOR.
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
