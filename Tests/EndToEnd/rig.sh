@@ -13,6 +13,7 @@
 # RIG_PREPARE       a file that is sourced inside before the script goes on: it starts or lays down what the program
 #                   under test needs besides; its background jobs end with the script
 # RIG_KEEP          a file for a picture of the screen at a failure
+# SHOTS             a folder that keeps the scripts' pictures
 # RIG_SESSION_LIMIT seconds that the whole script may take (900)
 
 set -euo pipefail
@@ -264,6 +265,12 @@ popover_is_active() {
 
 screenshot() {
     import -window root "$1"
+}
+
+# keep NAME [PICTURE]: the picture, or one of the screen, in the folder SHOTS; nothing where there is no such wish.
+keep() {
+    [ -n "${SHOTS:-}" ] || return 0
+    if [ $# = 2 ]; then cp "$2" "$SHOTS/$1"; else screenshot "$SHOTS/$1"; fi
 }
 
 # panel_screenshot FILE: the panel's strip alone.
