@@ -102,7 +102,11 @@ popover_closes
 popover_opens
 xdotool key ctrl+q
 program_wait_end
-# A panel that was started anew may stand a little differently without the badge than the first one did.
-rig_wait "the badge to leave the panel" panel_differs "$RIG/badge.png" "$least_pixels"
+if [ "$RIG_PANEL" = mate ]; then
+    # Started anew, it stands a little differently without the badge than it did at first.
+    rig_wait "the badge to leave the panel" panel_differs "$RIG/badge.png" "$least_pixels"
+else
+    rig_wait "the badge to leave the panel" panel_equals "$RIG/empty.png"
+fi
 if grep -v '^org\.velisk\.Torvane\.net: ' "$RIG/log/program"; then rig_fail "it complained"; fi
 rig_pass "the shortcuts open the preferences and end the program, which leaves nothing behind"
