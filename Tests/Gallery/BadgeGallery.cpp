@@ -2,13 +2,11 @@
 // of a panel, LOOK being light or dark: with the figure beside the mark, and as a square of 22 points.
 
 #include "Badge/BadgeDrawing.h"
+#include "Gallery/Gallery.h"
 #include "Support/PopoverScene.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QPainter>
 
-#include <cstdio>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -76,20 +74,15 @@ bool write(const State& state, const QDir& folder) {
     return ok;
 }
 
+bool writeAll(const QDir& folder) {
+    bool ok = true;
+    for (const State& state : states)
+        ok &= write(state, folder);
+    return ok;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        std::fputs("Use: BadgeGallery FOLDER\n", stderr);
-        return 2;
-    }
-    bool ok = true;
-    for (const State& state : states)
-        ok &= write(state, QDir(QString::fromLocal8Bit(argv[1])));
-    if (!ok)
-        std::fputs("BadgeGallery: a picture could not be written\n", stderr);
-    return ok ? 0 : 1;
+    return Gallery::run(argc, argv, "BadgeGallery", writeAll);
 }

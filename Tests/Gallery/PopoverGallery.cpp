@@ -1,18 +1,16 @@
 // Writes pictures of the popover in all its states: PopoverGallery FOLDER [STATE...]. popover-STATE-LOOK-SCALEx.png,
-// LOOK being light or dark. Each says what it shows. The fonts are the desktop's.
+// LOOK being light or dark. Each says what it shows.
 
 #include "Design/DesignSystem.h"
+#include "Gallery/Gallery.h"
 #include "Support/PopoverScene.h"
 #include "Views/L2Row.h"
 #include "Views/PopoverView.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QImage>
 #include <QLocale>
 #include <QPainter>
 
-#include <cstdio>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -162,23 +160,18 @@ bool write(const State& state, const QDir& folder) {
     return ok;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        std::fputs("Use: PopoverGallery FOLDER [STATE...]\n", stderr);
-        return 2;
-    }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
+bool writeAll(const QDir& folder) {
     const QStringList wanted = QApplication::arguments().mid(2);
     bool ok = true;
     for (const State& state : states) {
         if (wanted.isEmpty() || wanted.contains(QLatin1StringView(state.name)))
             ok &= write(state, folder);
     }
-    if (!ok)
-        std::fputs("PopoverGallery: a picture could not be written\n", stderr);
-    return ok ? 0 : 1;
+    return ok;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return Gallery::run(argc, argv, "PopoverGallery", writeAll);
 }
