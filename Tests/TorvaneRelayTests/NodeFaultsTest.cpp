@@ -1,4 +1,5 @@
 #include "NodeFaults.h"
+
 #include "ReadingFixture.h"
 
 using namespace torvane;
