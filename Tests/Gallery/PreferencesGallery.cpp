@@ -23,7 +23,7 @@ bool savePanels(PreferencesFixture& user, const QDir& folder, const QString& loo
     bool ok = true;
     for (const Section section : allCases<Section>()) {
         user.go(section);
-        const QString panel = QString(rawValue(section)).toLower().remove(u' ');
+        const QString panel = QString(rawValue(section)).toLower().replace(u' ', u'-');
         ok &= save(*user.view, folder, u"preferences-%1-%2"_s.arg(panel, look));
     }
     return ok;

@@ -41,8 +41,8 @@ void StandInPortal::announce(const QString& group, const QString& key, const QVa
     m_connection.send(signal);
 }
 
-void StandInPortal::announce(uint scheme) {
-    announce(appearanceGroup(), u"color-scheme"_s, inVariant(scheme));
+void StandInPortal::announce(uint value) {
+    announce(appearanceGroup(), u"color-scheme"_s, inVariant(value));
 }
 
 void StandInPortal::answerNoted() {

@@ -31,7 +31,7 @@ public:
     bool disappear();
 
     void announce(const QString& group, const QString& key, const QVariant& value);
-    void announce(uint scheme);
+    void announce(uint value);
 
     /// Gives the answers that it owes.
     void answerNoted();

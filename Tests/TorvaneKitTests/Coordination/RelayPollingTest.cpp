@@ -110,8 +110,8 @@ private Q_SLOTS:
     void aBodyIsDecodedOnTheWorkerWhileTheMainThreadGoesOn() {
         serve(document());
         openStore();
-        QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=true"));
-        const auto silenceAgain = qScopeGuard([this] { initTestCase(); });
+        logRequests(true);
+        const auto silenceAgain = qScopeGuard([] { logRequests(false); });
         const LogLines log("org.velisk.Torvane.net");
         const auto gate = std::make_shared<QSemaphore>();
         worker().start([gate] { gate->acquire(); });

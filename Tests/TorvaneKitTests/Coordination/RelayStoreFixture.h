@@ -35,6 +35,12 @@ class RelayStoreFixture : public QObject {
 protected:
     static QDateTime documentTime() { return QDateTime::fromSecsSinceEpoch(1'790'000'000, Qt::UTC); }
     static QDateTime laterThanTheDocument() { return documentTime().addSecs(100); }
+
+    static void logRequests(bool isOn) {
+        QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=") +
+                                         (isOn ? QStringLiteral("true") : QStringLiteral("false")));
+    }
+
     static Snapshot document(int minutesLater = 0) {
         return SimulatedMarket::at(documentTime().addSecs(60 * minutesLater));
     }
@@ -78,7 +84,7 @@ protected:
     std::unique_ptr<SnapshotStore> m_store;
 
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
+    void initTestCase() { logRequests(false); }
 
     void init() {
         m_home = std::make_unique<QTemporaryDir>();
