@@ -8,11 +8,11 @@ FUZZ_SECONDS ?= 60
 MAKEFLAGS += --no-print-directory
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
-.PHONY: help run demo install uninstall package test soak bench fuzz format check clean
+.PHONY: help run demo install uninstall package test soak bench fuzz screenshots format check clean
 
 help: ## show this list
 	@echo "make GOAL, where GOAL is one of"
-	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-10s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-13s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 	@echo "CMAKE_FLAGS=... reaches CMake; INSTALL_DEPENDENCIES=: installs nothing."
 
 run: ## build velisk and its relay, and start both: figures from public nodes
@@ -62,6 +62,12 @@ fuzz: ## the fuzz targets, each for FUZZ_SECONDS (60)
 	cmake --preset fuzz $(CMAKE_FLAGS)
 	cmake --build --preset fuzz
 	@scripts/fuzz $(FUZZ_SECONDS)
+
+screenshots: ## pictures of every state in one page, and the README's
+	@$(INSTALL_DEPENDENCIES) screenshots
+	cmake --preset demo $(CMAKE_FLAGS)
+	cmake --build --preset demo --target galleries velisk-demo velisk-stand-in
+	@scripts/screenshots
 
 format: ## lay out all C++ files
 	@$(INSTALL_DEPENDENCIES) format
