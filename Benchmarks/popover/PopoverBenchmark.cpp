@@ -1,11 +1,12 @@
 // What a full repaint of the popover costs, beside drawing the same figures straight away: ten networks, histories of
 // 288 points. Blocks of repaints alternate between the two, the first repaint of each uncounted; medians count. Below
 // the comparison stands what the very first paint costs, when nothing is kept from an earlier one yet. Then the popover
-// is made, painted and discarded twenty times, after some that fill what the libraries keep: its memory must be back.
+// is made, painted and discarded by twenties, the first of which fill what the libraries keep: its memory must be back.
 // PopoverBenchmark [ROUNDS]   exits with 1 where a bar is missed, with 2 where one of them draws nothing
 #include "Comparison.h"
 #include "Coordination/SnapshotStore.h"
 #include "Design/DesignSystem.h"
+#include "Support/FreedMemory.h"
 #include "ThreadCPU.h"
 #include "Views/PopoverView.h"
 #include "popover/DrawnPopover.h"
@@ -153,18 +154,24 @@ double openOnce(Program& program) {
     return threadMicroseconds() - start;
 }
 
+/// The allocator takes a few pages now and then. What a popover leaves behind comes with every series.
 bool leavesNothingBehind(Program& program) {
     constexpr int openings = 20;
-    constexpr double mostGrowth = 64; // Pages that the allocator takes a little later; one popover has hundreds.
+    constexpr int firstSeries = 5; // They fill what the libraries keep.
+    constexpr int series = 20;
     std::vector<double> times;
-    for (int i = 0; i < openings; ++i)
-        openOnce(program);
-    const double before = privateMemory();
-    for (int i = 0; i < openings; ++i)
-        times.push_back(openOnce(program));
-    const double growth = privateMemory() - before;
+    std::vector<double> growth;
+    for (int i = 0; i < firstSeries + series; ++i) {
+        const double before = privateMemory();
+        for (int opening = 0; opening < openings; ++opening) {
+            times.push_back(openOnce(program));
+            QCoreApplication::processEvents(); // What the window system has to say of it waits otherwise.
+        }
+        if (i >= firstSeries)
+            growth.push_back(privateMemory() - before);
+    }
     std::printf("%-50s %9.4g us\n", "made and painted anew at scale 2", median(times));
-    return Limit{"popover, private memory grown over 20 openings", "KiB", growth, mostGrowth}.report();
+    return Limit{"popover, private memory grown over 20 openings", "KiB", median(growth), 0}.report();
 }
 
 } // namespace
@@ -173,6 +180,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 11;
+    keepLargeBlocksApart(); // As the program does: else the picture that is painted here would count.
     Program program;
     const Snapshot snapshot = market();
     program.store.snapshot = snapshot;
