@@ -27,8 +27,8 @@ GasData merged(GasData gas, const LiveGasQuote& live, double ethPrice) {
     return gas;
 }
 
-/// The first quote for the network of this name.
-/// Views are compared for equality, while two QString are compared for their order, which takes twice as long.
+/// The first quote for the network of this name. Views, since Qt 6.4 compares two QString for their order, not for
+/// equality alone.
 const LiveL2Quote* quoteFor(QStringView name, const QList<LiveL2Quote>& quotes) {
     const auto found = std::find_if(quotes.cbegin(), quotes.cend(),
                                     [name](const LiveL2Quote& quote) { return QStringView(quote.name) == name; });
