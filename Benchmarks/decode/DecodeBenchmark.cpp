@@ -67,8 +67,8 @@ bool reportFile(const char* path) {
 /// Decodes generated documents, or the files that are named. Exits with 1 when a bar is missed, with 2 when the two
 /// decoders differ.
 int main(int count, char** arguments) {
-    Figures::begin("Documents decoded, beside RapidJSON's document tree; medians of " + std::to_string(rounds) +
-                   " rounds, 9 networks x 288 points where not said");
+    Figures::begin("Documents decoded, 9 networks x 288 points where not said, beside RapidJSON's tree; medians of " +
+                   std::to_string(rounds) + " rounds");
     bool met = true;
     for (int i = 1; i < count; ++i)
         met &= reportFile(arguments[i]);
