@@ -8,11 +8,11 @@ FUZZ_SECONDS ?= 60
 MAKEFLAGS += --no-print-directory
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
-.PHONY: help run demo test soak bench fuzz format check clean
+.PHONY: help run demo test soak bench fuzz tsan valgrind coverage format check clean
 
 help: ## show this list
 	@echo "make GOAL, where GOAL is one of"
-	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-8s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-10s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 	@echo "CMAKE_FLAGS=... reaches CMake; INSTALL_DEPENDENCIES=: installs nothing."
 
 run: ## build velisk and its relay, and start both: figures from public nodes
@@ -47,6 +47,26 @@ fuzz: ## the fuzz targets, each for FUZZ_SECONDS (60)
 	cmake --preset fuzz $(CMAKE_FLAGS)
 	cmake --build --preset fuzz
 	@scripts/fuzz $(FUZZ_SECONDS)
+
+tsan: ## the tests under ThreadSanitizer
+	@$(INSTALL_DEPENDENCIES) test
+	cmake --preset tsan $(CMAKE_FLAGS)
+	cmake --build --preset tsan
+	@ctest --preset tsan
+
+valgrind: ## the tests without windows, under valgrind
+	@$(INSTALL_DEPENDENCIES) valgrind
+	cmake --preset valgrind $(CMAKE_FLAGS)
+	cmake --build --preset valgrind
+	@ctest --preset valgrind
+
+coverage: ## which lines the tests run, by folder
+	@$(INSTALL_DEPENDENCIES) coverage
+	cmake --preset coverage $(CMAKE_FLAGS)
+	cmake --build --preset coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage
+	@scripts/coverage
 
 format: ## lay out all C++ files
 	@$(INSTALL_DEPENDENCIES) format

@@ -58,6 +58,27 @@ everyFuzzTargetRunsForTheTimeAskedAndIsSummedUp() {
     [ -d work/corpus/Snapshot ] || fail "the folder for new inputs is missing"
 }
 
+gatheredInputsReplaceTheEarlierOnesAndThoseWithNamesStay() {
+    # A tree of its own, since the inputs of this one are the project's.
+    local corpus=$PWD/copy/Tests/Fuzz/Corpus/Snapshot hash
+    mkdir -p copy/scripts "$corpus" work/corpus/Snapshot
+    cp "$tree/scripts/fuzz" copy/scripts/
+    hash=$(printf 'a%.0s' {1..40})
+    echo hand >"$corpus/full.json"
+    echo old >"$corpus/$hash"
+    write_program targets/SnapshotFuzzer <<PROGRAM
+#!/bin/bash
+echo "\$@" >$PWD/arguments
+[ ! -e "$corpus/$hash" ] || exit 1
+echo new >"$corpus/${hash//a/b}"
+PROGRAM
+    TORVANE_FUZZ_DIRECTORY=$PWD/work run copy/scripts/fuzz --minimise targets
+    expect_status 0
+    expect_output 'Snapshot: 2 inputs of 9 bytes'
+    grep -q -- "-merge=1 .* $corpus $PWD/work/corpus/Snapshot" arguments || fail "something else is merged"
+    [ -e "work/corpus/Snapshot/$hash" ] || fail "the earlier input is not among those to choose from"
+}
+
 theFirstFindingStopsTheRun() {
     fuzzer Preferences
     fuzzer Snapshot
