@@ -10,7 +10,7 @@ namespace torvane {
 namespace {
 
 constexpr QSize usualSize{400, 170};
-constexpr int textMargin = 10;
+constexpr int verticalMargin = 10;
 
 } // namespace
 
@@ -27,7 +27,8 @@ NotesView::NotesView(const QString& notes, QWidget* parent)
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setContextMenuPolicy(Qt::NoContextMenu);  // Of the desktop's look, for two entries that have keys.
     viewport()->setAutoFillBackground(false); // The card shows through.
-    document()->setDocumentMargin(textMargin);
+    setViewportMargins(0, verticalMargin, 0, verticalMargin);
+    document()->setDocumentMargin(0); // The card has room at its sides.
     setAccessibleName(QStringLiteral("Release notes"));
     setPlainText(notes);
 }

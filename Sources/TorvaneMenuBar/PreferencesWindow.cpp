@@ -1,6 +1,6 @@
 #include "PreferencesWindow.h"
 
-#include "WindowIcon.h"
+#include "ProgramIcon.h"
 
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -20,7 +20,7 @@ constexpr Qt::WindowFlags buttons = Qt::CustomizeWindowHint | Qt::WindowTitleHin
 PreferencesWindow::PreferencesWindow(SnapshotStore& store, AppSettings& settings, UpdaterState& updater)
     : QWidget(nullptr, Qt::Window | buttons) {
     setWindowTitle(u"velisk Preferences"_s);
-    setWindowIcon(windowIcon());
+    setWindowIcon(programIcon());
     setAttribute(Qt::WA_DeleteOnClose);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

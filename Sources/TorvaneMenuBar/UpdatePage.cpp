@@ -45,7 +45,7 @@ QString whatIsThere(const Offer& offer) {
     const QString have = u"You have "_s + version(offer.currentVersion) + u'.';
     if (!offer.obstacle.isEmpty())
         return have + u' ' + sentence(offer.obstacle);
-    return offer.length > 0 ? have + u" The download has "_s + size(offer.length) + u'.' : have;
+    return offer.length > 0 ? have + u" The download is "_s + size(offer.length) + u'.' : have;
 }
 
 QString warningOf(const Offer& offer) {
@@ -139,6 +139,11 @@ UpdatePage page(const Failed& scene) {
 }
 
 } // namespace
+
+std::optional<UpdateChoice> UpdatePage::byDefault() const {
+    const bool hasDefault = !choices.isEmpty() && choices.first().answer != Answer::cancel;
+    return hasDefault ? std::optional(choices.first()) : std::nullopt;
+}
 
 UpdatePage pageOf(const Scene& scene) {
     return std::visit([](const auto& each) { return page(each); }, scene);

@@ -34,8 +34,11 @@ struct UpdatePage final {
     QString notes{};
     QUrl notesLink{}; // a web page, or empty
     std::optional<UpdateProgress> progress{};
-    QList<UpdateChoice> choices{};            // The first is what Return does.
+    QList<UpdateChoice> choices{};            // the boldest first
     std::optional<Updates::Answer> mildest{}; // what Escape does, and the desktop's means of closing a window
+
+    /// What Return does: nothing where all that could be done is to break off.
+    std::optional<UpdateChoice> byDefault() const;
 
     bool operator==(const UpdatePage&) const = default;
 };

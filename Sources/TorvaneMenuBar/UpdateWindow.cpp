@@ -3,6 +3,7 @@
 #include "Design/DesignSystem.h"
 #include "NotesView.h"
 #include "Platform/WebPage.h"
+#include "ProgramIcon.h"
 #include "Views/Composition.h"
 #include "Views/FocusRing.h"
 #include "Views/PanelParts.h"
@@ -13,7 +14,6 @@
 #include "Views/SymbolTile.h"
 #include "Views/TextButton.h"
 #include "Views/TextLabel.h"
-#include "WindowIcon.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -78,7 +78,7 @@ UpdateWindow::UpdateWindow(const UpdatePage& page)
     , m_page(page)
     , m_layout(new QVBoxLayout(this)) {
     setWindowTitle(u"velisk Update"_s);
-    setWindowIcon(windowIcon());
+    setWindowIcon(programIcon());
     setAttribute(Qt::WA_DeleteOnClose);
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -109,8 +109,8 @@ void UpdateWindow::build() {
     m_content = content();
     m_layout->addWidget(m_content);
     m_content->show();
-    if (m_default)
-        m_default->setFocus(Qt::OtherFocusReason);
+    // The window itself where there is no default: a button that has the focus is pressed by Return.
+    (m_default ? m_default : this)->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget* UpdateWindow::content() {
@@ -196,7 +196,7 @@ QWidget* UpdateWindow::buttons() {
 }
 
 QWidget* UpdateWindow::button(const UpdateChoice& choice) {
-    const bool isDefault = choice == m_page.choices.first();
+    const bool isDefault = choice == m_page.byDefault();
     auto* button = new TextButton(choice.text, isDefault ? TextButton::Look::filled : TextButton::Look::outlined);
     connect(button, &QAbstractButton::clicked, this, [this, answer = choice.answer] { Q_EMIT answered(answer); });
     if (isDefault)
@@ -228,8 +228,8 @@ void UpdateWindow::keyPressEvent(QKeyEvent* event) {
     const bool agrees = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (closes && m_page.mildest)
         close();
-    else if (agrees && !event->isAutoRepeat() && !m_page.choices.isEmpty())
-        Q_EMIT answered(m_page.choices.first().answer);
+    else if (const auto choice = m_page.byDefault(); agrees && choice && !event->isAutoRepeat())
+        Q_EMIT answered(choice->answer);
     else if (!closes)
         QWidget::keyPressEvent(event);
 }

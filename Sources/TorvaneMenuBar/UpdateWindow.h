@@ -11,7 +11,7 @@ namespace torvane {
 class ProgressBar;
 class TextLine;
 
-/// The window of an update: one page at a time. It is discarded when it is closed. Return presses the page's first
+/// The window of an update: one page at a time. It is discarded when it is closed. Return presses the page's default
 /// button from wherever the keyboard is, Escape and Ctrl+W give the mildest answer where there is one.
 class UpdateWindow final : public QWidget {
     Q_OBJECT
@@ -49,7 +49,7 @@ private:
     UpdatePage m_page;
     QVBoxLayout* m_layout;
     QWidget* m_content = nullptr;
-    QWidget* m_default = nullptr; // the first choice's button
+    QWidget* m_default = nullptr; // the button that Return presses, where the page has one
     ProgressBar* m_bar = nullptr; // where the page has one
     TextLine* m_barText = nullptr;
 };

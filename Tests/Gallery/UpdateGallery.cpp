@@ -44,7 +44,7 @@ bool saveFocus(const QString& look, const QDir& folder) {
     if (!QTest::qWaitForWindowActive(&window, 30'000))
         return false;
     bool ok = true;
-    for (const QString& stop : {u"notes"_s, u"link"_s}) {
+    for (const QString& stop : {u"link"_s, u"notes"_s}) {
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
         ok &= save(window, 2, folder.filePath(u"update-%1-focus-%2.png"_s.arg(look, stop)));
     }

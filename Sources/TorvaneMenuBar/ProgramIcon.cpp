@@ -1,4 +1,4 @@
-#include "WindowIcon.h"
+#include "ProgramIcon.h"
 
 #include "Views/SymbolTile.h"
 
@@ -6,7 +6,7 @@
 
 namespace torvane {
 
-QIcon windowIcon() {
+QIcon programIcon() {
     QIcon icon;
     for (const int side : {16, 24, 32, 48, 64, 128}) {
         SymbolTile tile(QStringLiteral("fuelpump.fill"), {side, side * 0.24, side * 0.6});

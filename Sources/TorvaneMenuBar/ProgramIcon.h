@@ -6,6 +6,6 @@ namespace torvane {
 
 /// The icon of the program's windows. Drawn, not looked up: a program that is not installed has none in the icon
 /// themes.
-QIcon windowIcon();
+QIcon programIcon();
 
 } // namespace torvane
