@@ -10,6 +10,7 @@ namespace torvane {
 namespace {
 
 constexpr QSize usualSize{400, 170};
+constexpr int sideMargin = 14;
 constexpr int verticalMargin = 10;
 
 } // namespace
@@ -27,8 +28,8 @@ NotesView::NotesView(const QString& notes, QWidget* parent)
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setContextMenuPolicy(Qt::NoContextMenu);  // Of the desktop's look, for two entries that have keys.
     viewport()->setAutoFillBackground(false); // The card shows through.
-    setViewportMargins(0, verticalMargin, 0, verticalMargin);
-    document()->setDocumentMargin(0); // The card has room at its sides.
+    setViewportMargins(sideMargin, verticalMargin, 0, verticalMargin);
+    document()->setDocumentMargin(0);
     setAccessibleName(QStringLiteral("Release notes"));
     setPlainText(notes);
 }

@@ -173,8 +173,11 @@ QWidget* UpdateWindow::notes() {
         heading->addWidget(link);
         parts->addSpacing(m_page.notes.isEmpty() ? 0 : 7);
     }
-    if (!m_page.notes.isEmpty())
-        parts->addWidget(new SettingCard(new NotesView(m_page.notes)));
+    if (!m_page.notes.isEmpty()) {
+        auto* card = new SettingCard(new NotesView(m_page.notes));
+        card->layout()->setContentsMargins(0, 1, 0, 1); // Its border; all else is the notes' own, to their scroll bar.
+        parts->addWidget(card);
+    }
     return section(parts);
 }
 
