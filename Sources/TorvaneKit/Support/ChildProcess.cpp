@@ -5,7 +5,7 @@
 #include <fcntl.h>
 #include <iterator>
 #include <spawn.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <vector>
@@ -29,6 +29,11 @@ FileDescriptor copyOf(int descriptor) {
     FileDescriptor copy(::fcntl(descriptor, F_DUPFD_CLOEXEC, outOfTheWay));
     check(copy.isOpen() ? 0 : errno);
     return copy;
+}
+
+/// The C library's own function cannot be called from C++ before glibc 2.37.
+FileDescriptor openProcess(pid_t id) {
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, id, 0)));
 }
 
 class Actions final {
@@ -98,7 +103,7 @@ ChildProcess::ChildProcess(const Command& command) {
     const std::vector<char*> arguments = pointersTo(command.arguments);
     const std::vector<char*> environment = pointersTo(command.environment);
     check(::posix_spawn(&m_id, command.file, actions.get(), attributes.get(), arguments.data(), environment.data()));
-    m_ending = FileDescriptor(::pidfd_open(m_id, 0));
+    m_ending = openProcess(m_id);
     if (m_ending.isOpen())
         return;
     const int error = errno;
