@@ -216,11 +216,8 @@ QString AppcastParser::readText() {
     QString text;
     const int depth = m_depth;
     while (m_depth >= depth) {
-        const QXmlStreamReader::TokenType token = next();
-        if (token == QXmlStreamReader::Characters)
+        if (next() == QXmlStreamReader::Characters)
             text += m_xml.text();
-        else if (token == QXmlStreamReader::EntityReference)
-            fail("The update feed names an unknown entity."); // Only a document type could declare it.
         if (text.size() > longestText)
             fail("The update feed has a text that is too long.");
     }
