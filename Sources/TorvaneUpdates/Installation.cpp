@@ -121,8 +121,8 @@ void Installation::bringBack() const {
 void Installation::keep() {
     m_isInstalled = false;
     // One that cannot be removed now goes when the program starts the next time.
-    if (::unlink(keptPath(m_path)) == 0)
-        [[maybe_unused]] const bool isOnDisk = syncDirectory(directoryOf(m_path));
+    if (::unlink(keptPath(m_path)) == 0) [[maybe_unused]]
+        const bool isOnDisk = syncDirectory(directoryOf(m_path));
 }
 
 void Installation::removeLeftOvers(const Executable& executable) {

@@ -23,8 +23,8 @@ bool isSystems(const QString& path) {
 /// A file inside one that was packed as a whole (AppImage, snap), unpacked or mounted for this run alone.
 bool isInsidePackage(const QString& path) {
     for (const char* variable : {"APPDIR", "SNAP"}) {
-        const QString folder = qEnvironmentVariable(variable);
-        if (!folder.isEmpty() && path.startsWith(QFileInfo(folder).canonicalFilePath() + u'/'))
+        const QString folder = QFileInfo(qEnvironmentVariable(variable)).canonicalFilePath();
+        if (!folder.isEmpty() && path.startsWith(folder + u'/'))
             return true;
     }
     return QFile::exists(u"/.flatpak-info"_s);

@@ -4,6 +4,8 @@
 #include "TorvaneUpdates/TrialRun.h"
 #include "TorvaneUpdates/UpdateFailure.h"
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace torvane::Updates {
@@ -30,11 +32,18 @@ void checkNote(int descriptor, const Expectation& expected) {
     requireEqual(note->architecture, expected.architecture, u"kind of machine"_s);
 }
 
+/// Until here it was a file that nobody could start.
+void makeRunnable(int descriptor) {
+    if (::fchmod(descriptor, S_IRUSR | S_IWUSR | S_IXUSR) != 0)
+        throw UpdateFailure(UpdateFault::disk, u"The update cannot be made a program."_s);
+}
+
 } // namespace
 
 void checkPayload(int descriptor, const Expectation& expected, const std::stop_token& stop) {
     verifySignature(descriptor, expected.key, expected.item.signature);
     checkNote(descriptor, expected);
+    makeRunnable(descriptor);
     tryOut(descriptor, expected.item.version, trialLimit, stop);
 }
 

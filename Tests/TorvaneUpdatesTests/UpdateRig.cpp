@@ -130,8 +130,10 @@ void UpdateRig::installByHand() {
 
 Task<bool> UpdateRig::relaunch(QString executable) {
     relaunched.append(executable);
-    NextTurn turn;
-    co_await turn;
+    do {
+        NextTurn turn;
+        co_await turn;
+    } while (relaunchHangs);
     co_return successorComesUp;
 }
 

@@ -35,7 +35,8 @@ public:
     ScriptedWindows windows;
     std::unique_ptr<Updater> updater;
     bool successorComesUp = true;
-    QStringList relaunched; // The files that were to be relaunched.
+    bool relaunchHangs = false; // The successor neither comes up nor fails.
+    QStringList relaunched;     // The files that were to be relaunched.
     int replaced = 0;
 
     /// The bytes of one of the sample programs.

@@ -344,8 +344,9 @@ private Q_SLOTS:
         quiet();
         const QByteArray payload = UpdateRig::sample("new") + QByteArray(100'000, '\0');
         m_rig->publish({{.payload = payload}});
-        m_rig->download.pieces = payload.size() / 40;
+        m_rig->download.pieces = 300;
         m_rig->installByHand();
+        QCOMPARE(m_rig->windows.kind(), u"installing"_s);
         const QList<qint64>& progress = m_rig->windows.progress;
         QVERIFY(progress.size() > 50 && progress.size() <= 201);
         QVERIFY(std::ranges::is_sorted(progress));

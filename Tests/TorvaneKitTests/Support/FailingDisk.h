@@ -12,6 +12,7 @@ struct Fault {
     int error = 0;            ///< the errno that it leaves
     bool isLasting = false;   ///< all later calls fail too
     bool writesShort = false; ///< no fault at all, but each write takes a few bytes only
+    bool kills = false;       ///< the process is killed at that call instead
 };
 
 /// Starts counting the calls that concern what is below this directory.
