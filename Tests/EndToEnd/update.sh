@@ -57,8 +57,9 @@ publish() {
     mkdir "$site"
     cp "$1" "$site/velisk-0.3.1"
     printf 'The badge keeps its place in the panel.\n\n<b>Markup</b> & more stands as it is.\n' >"$RIG/notes"
-    "$publish_update" add --key "$key" --notes "$RIG/notes" --feed "$site/appcast.xml" \
-        --url "https://localhost:$port/torvane/velisk-0.3.1" "$site/velisk-0.3.1" >"$RIG/log/publish" 2>&1 ||
+    "$publish_update" add --key "$key" --public-key "$("$publish_update" public-key "$key")" --notes "$RIG/notes" \
+        --url "https://localhost:$port/torvane/velisk-0.3.1" "$site/appcast.xml" "$site/velisk-0.3.1" \
+        >"$RIG/log/publish" 2>&1 ||
         rig_fail "it cannot be published: $(cat "$RIG/log/publish")"
     relay_order "publish $site"
 }
@@ -156,6 +157,7 @@ press "velisk Update" Close
 program_wait "the window to close" update_is_gone
 quit
 program_wait_end
+chmod u+w "$RIG/home/fixed"
 rig_pass "a copy in a folder that cannot be written says which version there is, and offers nothing"
 
 start "$installed"
