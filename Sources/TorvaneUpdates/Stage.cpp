@@ -1,30 +1,12 @@
 #include "TorvaneUpdates/Stage.h"
 
+#include "Support/Later.h"
+
 #include <QPointer>
 
-#include <memory>
 #include <utility>
 
 namespace torvane::Updates {
-
-namespace {
-
-/// Where the answer arrives that somebody waits for.
-struct Reply final {
-    std::optional<Answer> answer;
-    detail::TaskPromiseBase* waiting = nullptr;
-};
-
-/// Awaiting it resumes when the reply has come.
-struct Replied final {
-    Reply* reply;
-
-    bool await_ready() const noexcept { return reply->answer.has_value(); }
-    void await_suspend(detail::Suspended awaiting) const noexcept { reply->waiting = awaiting.task; }
-    Answer await_resume() const { return *reply->answer; }
-};
-
-} // namespace
 
 void Stage::show(const Scene& scene, std::function<void(Answer)> answered) {
     m_isOpen = true;
@@ -56,17 +38,9 @@ void Stage::deliver(quint64 conversation, const std::function<void(Answer)>& ans
 }
 
 Task<Answer> Stage::ask(Scene scene) {
-    auto reply = std::make_shared<Reply>();
-    show(scene, [weak = std::weak_ptr(reply)](Answer answer) {
-        const std::shared_ptr<Reply> waited = weak.lock();
-        if (!waited)
-            return; // Nobody waits any more.
-        waited->answer = answer;
-        if (waited->waiting)
-            waited->waiting->run();
-    });
-    const Replied replied{reply.get()};
-    const Answer answer = co_await replied;
+    const Later<Answer> reply;
+    show(scene, [reply](Answer answer) { reply.set(answer); });
+    const Answer answer = co_await reply;
     co_return answer;
 }
 
