@@ -16,8 +16,11 @@
 #include "Views/TextLabel.h"
 
 #include <QCloseEvent>
+#include <QCursor>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScreen>
 
 #include <utility>
 
@@ -32,6 +35,7 @@ constexpr Qt::WindowFlags windowButtons = Qt::CustomizeWindowHint | Qt::WindowTi
                                           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
 
 constexpr int windowWidth = 480;
+constexpr int highestPage = 400; ///< or nearly so
 constexpr int sidePadding = 24;
 constexpr int topPadding = 22;
 constexpr int bottomPadding = 18;
@@ -71,6 +75,14 @@ Paragraph* paragraph(const QString& text, const DynamicColor& color, int width) 
     return new Paragraph({Fonts::sans(12, QFont::Normal), color, textHeight}, width, text);
 }
 
+/// In the middle of the screen where the user is, with room below for pages that are higher than the first: desktops
+/// put a window where it fits as it is at first.
+QPoint placeFor(const QPoint& pointer) {
+    const QScreen* screen = QGuiApplication::screenAt(pointer);
+    const QRect room = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    return room.center() - QPoint(windowWidth / 2, highestPage / 2);
+}
+
 } // namespace
 
 UpdateWindow::UpdateWindow(const UpdatePage& page)
@@ -84,6 +96,7 @@ UpdateWindow::UpdateWindow(const UpdatePage& page)
     m_layout->setSizeConstraint(QLayout::SetFixedSize);
     new FocusRing(this);
     build();
+    move(placeFor(QCursor::pos()));
 }
 
 void UpdateWindow::turnTo(const UpdatePage& page) {

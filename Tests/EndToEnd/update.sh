@@ -23,7 +23,12 @@ keep() {
 
 # says TITLE TEXT: whether some part of the window has this text.
 says() {
-    "$rig_source/read-window" "$1" 2>/dev/null | grep -F -- "$2" >/dev/null # All of it is read: an early end would fail the writer.
+    shows "$1" -F "$2"
+}
+
+# shows TITLE MODE PATTERN: the same for one of grep's modes. All is read: an early end would fail the writer.
+shows() {
+    "$rig_source/read-window" "$1" 2>/dev/null | grep "$2" -- "$3" >/dev/null
 }
 
 update_says() {
@@ -31,7 +36,7 @@ update_says() {
 }
 
 update_has_button() {
-    "$rig_source/read-window" "velisk Update" | grep -Eq "button \"$1\"\$"
+    shows "velisk Update" -E "button \"$1\"\$"
 }
 
 # press TITLE NAME: a click upon the button.
@@ -95,7 +100,7 @@ quit() {
 }
 
 can_check() {
-    "$rig_source/read-window" "velisk Preferences" | grep -Eq 'button "Check for Updates…"$'
+    shows "velisk Preferences" -E 'button "Check for Updates…"$'
 }
 
 open_about() {

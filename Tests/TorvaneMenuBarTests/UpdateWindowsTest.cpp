@@ -9,6 +9,7 @@
 #include "Views/TextButton.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -92,6 +93,15 @@ private Q_SLOTS:
         QCOMPARE(window()->minimumSize(), window()->maximumSize());
         QVERIFY(!window()->windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
         QVERIFY(!window()->windowIcon().isNull());
+    }
+
+    void everyPageFitsTheScreenWhereTheWindowAppears() {
+        show(Checking{});
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        for (const auto& [name, scene] : UpdateScenes::all()) {
+            show(scene);
+            QVERIFY2(screen.contains(window()->geometry()), qPrintable(name));
+        }
     }
 
     void everySceneIsShownInTheSameWindowWhereItIs() {
