@@ -1,5 +1,6 @@
 #include "SparkleUpdater.h"
 
+#include "Support/Clock.h"
 #include "Support/Worker.h"
 
 #include <QApplication>
@@ -91,7 +92,10 @@ private Q_SLOTS:
         m_download.documents = 0;
     }
 
-    void cleanup() { stop(); }
+    void cleanup() {
+        stop();
+        Clock::setSource(nullptr);
+    }
 
     void canCheckIsFalseUntilTheMainLoopRuns() {
         start();
@@ -187,6 +191,23 @@ private Q_SLOTS:
         m_bridge->catchUp();
         QCoreApplication::processEvents();
         QCOMPARE(m_download.documents, 0);
+        QVERIFY(!updateWindow());
+    }
+
+    void aCheckThatWasSleptThroughIsMadeUp() {
+        start();
+        waitUntilItCanCheck();
+        state().check(); // From now on the next one is due in a day.
+        QTRY_VERIFY_WITH_TIMEOUT(updateWindow(), limitMs);
+        QTest::keyClick(updateWindow()->windowHandle(), Qt::Key_Escape);
+        waitUntilItCanCheck();
+        QTRY_VERIFY_WITH_TIMEOUT(!updateWindow(), limitMs);
+        m_bridge->catchUp();
+        QCOMPARE(m_download.documents, 1);
+        Clock::setSource([] { return QDateTime::currentDateTimeUtc().addDays(2); });
+        m_bridge->catchUp();
+        QCOMPARE(m_download.documents, 2);
+        QTRY_VERIFY_WITH_TIMEOUT(!state().canCheck, limitMs);
         QVERIFY(!updateWindow());
     }
 
