@@ -34,6 +34,7 @@ CurlLibrary load() {
     find("curl_easy_cleanup", found.easy_cleanup);
     find("curl_easy_getinfo", found.easy_getinfo);
     find("curl_easy_init", found.easy_init);
+    find("curl_easy_pause", found.easy_pause);
     find("curl_easy_setopt", found.easy_setopt);
     find("curl_easy_strerror", found.easy_strerror);
     find("curl_global_init", found.global_init);
