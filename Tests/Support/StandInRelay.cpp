@@ -98,20 +98,24 @@ void StandInRelay::listenForUpdates() {
 
 void StandInRelay::listenForNodes() {
     m_server->on("/", [this](const StandInRequest& request) {
-        return answerNode(request, StandInNodes::ethereum(request.body, Clock::now(), m_baseFee));
+        return answerNode(request, StandInNodes::ethereum(request.body, marketTime(), m_baseFee));
     });
     for (const L2Entry& entry : SimulatedMarket::at(Clock::now()).l2) {
         const auto answerNetwork = [this, name = entry.name](const StandInRequest& request) {
-            const std::optional<double> price = SimulatedMarket::gasPrice(name, Clock::now());
+            const std::optional<double> price = SimulatedMarket::gasPrice(name, marketTime());
             return price ? answerNode(request, StandInNodes::l2(request.body, *price)) : StandInAnswer::status(404);
         };
         m_server->on("/rpc/" + pathPart(entry.name).toLatin1(), answerNetwork);
     }
 }
 
-/// A document with an ordered base fee is one of its own, and stays until the next order.
+QDateTime StandInRelay::marketTime() const {
+    return m_moment.value_or(Clock::now());
+}
+
+/// A document with an ordered base fee, or of an ordered moment, is one of its own, and stays until the next order.
 QDateTime StandInRelay::documentTime() const {
-    if (m_baseFee)
+    if (m_baseFee || m_moment)
         return m_orderedAt;
     const qint64 seconds = Clock::now().toSecsSinceEpoch();
     return QDateTime::fromSecsSinceEpoch(seconds - seconds % secondsPerDocument, Qt::UTC);
@@ -119,7 +123,8 @@ QDateTime StandInRelay::documentTime() const {
 
 Snapshot StandInRelay::document() const {
     const QDateTime time = documentTime();
-    Snapshot snapshot = SimulatedMarket::at(time);
+    Snapshot snapshot = SimulatedMarket::at(m_moment.value_or(time));
+    snapshot.generatedAt = time.toUTC().toString(Qt::ISODateWithMs);
     for (L2Entry& entry : snapshot.l2) {
         if (SimulatedMarket::gasPrice(entry.name, time))
             entry.rpc = {m_server->url(QStringLiteral("/rpc/") + pathPart(entry.name)).toString()};
@@ -165,6 +170,8 @@ StandInAnswer StandInRelay::answerControl(const QByteArray& order) {
 bool StandInRelay::obeys(const QByteArray& name, const QByteArray& value) {
     if (name == "baseFee")
         return setBaseFee(value);
+    if (name == "moment")
+        return setMoment(value);
     if (name == "certificate")
         return setCertificate(value);
     if (name == "publish")
@@ -189,6 +196,16 @@ bool StandInRelay::setBaseFee(const QByteArray& value) {
     if (!isPrice && !value.isEmpty())
         return false;
     m_baseFee = fee;
+    m_orderedAt = Clock::now();
+    return true;
+}
+
+bool StandInRelay::setMoment(const QByteArray& value) {
+    const QDateTime moment = QDateTime::fromString(QString::fromLatin1(value), Qt::ISODate);
+    // A time of day without its offset would be this machine's.
+    if (!value.isEmpty() && (!moment.isValid() || moment.timeSpec() == Qt::LocalTime))
+        return false;
+    m_moment = value.isEmpty() ? std::nullopt : std::optional(moment);
     m_orderedAt = Clock::now();
     return true;
 }

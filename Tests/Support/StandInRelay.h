@@ -11,8 +11,9 @@ namespace torvane {
 /// that moves, a POST to / asks an Ethereum node and one to /rpc/NETWORK that network's (StandInNodes). All misbehave
 /// on request. They are told so by a POST to /control whose body is one order:
 ///     baseFee 7.5         Ethereum's base fee from now on, in gwei, at the relay and at the nodes, with tiers to
-///     match;
-///                         "baseFee" alone lets it move again
+///                         match; "baseFee" alone lets it move again
+///     moment TIME         the figures of this time (ISO 8601, with its offset) from now on, standing still, in a
+///                         document that is made now: pictures of it are the same each time; "moment" alone ends it
 ///     answer KIND         how /snapshot.json is answered: normal, status CODE, redirect URL, drip, truncate, endless,
 ///                         garbage, silence, off (the connection is reset without a byte)
 ///     nodes KIND          how the nodes answer: the same, and "error" (a JSON-RPC error object)
@@ -34,6 +35,7 @@ public:
 private:
     void listen(const QString& certificate, quint16 port);
     void listenForNodes();
+    QDateTime marketTime() const;
     QDateTime documentTime() const;
     StandInAnswer answerSnapshot(const StandInRequest& request) const;
     StandInAnswer answerUpdate(const StandInRequest& request) const;
@@ -41,13 +43,15 @@ private:
     StandInAnswer answerControl(const QByteArray& order);
     bool obeys(const QByteArray& name, const QByteArray& value);
     bool setBaseFee(const QByteArray& value);
+    bool setMoment(const QByteArray& value);
     bool setCertificate(const QByteArray& name);
     bool publish(const QByteArray& folder);
     void listenForUpdates();
 
     std::unique_ptr<StandInServer> m_server;
     std::optional<double> m_baseFee;
-    QDateTime m_orderedAt; // The last base fee.
+    std::optional<QDateTime> m_moment;
+    QDateTime m_orderedAt; // The last base fee or moment.
     QByteArray m_kind = "normal";
     QByteArray m_nodesKind = "normal";
     QByteArray m_updatesKind = "normal";

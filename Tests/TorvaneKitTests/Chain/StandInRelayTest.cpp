@@ -125,6 +125,21 @@ private Q_SLOTS:
         QVERIFY(moving && moving->baseFee != 7.5);
     }
 
+    void aSetMomentStandsStillInADocumentOfNow() {
+        QCOMPARE(order("moment 2026-03-03T14:00:00Z"), QStringLiteral("\"\""));
+        const Snapshot before = m_relay->document();
+        QCOMPARE(before.generatedAt, start.toString(Qt::ISODateWithMs));
+        const QDateTime moment(QDate(2026, 3, 3), QTime(14, 0), Qt::UTC);
+        QCOMPARE(before.gas.baseFee, SimulatedMarket::baseFee(moment));
+        g_now = g_now.addSecs(3600);
+        QCOMPARE(JSON::encode(m_relay->document()), JSON::encode(before));
+        const std::optional<LiveGasQuote> quote = ethereum();
+        QVERIFY(quote);
+        QCOMPARE(quote->blockNumber, StandInNodes::blockNumber(moment));
+        QCOMPARE(order("moment"), QStringLiteral("\"\""));
+        QCOMPARE(m_relay->document().gas.baseFee, SimulatedMarket::baseFee(g_now));
+    }
+
     void whatANodeDoesNotKnowIsAnErrorObject_data() {
         QTest::addColumn<QByteArray>("call");
         QTest::addColumn<QByteArray>("code");
@@ -204,9 +219,10 @@ private Q_SLOTS:
 
     void anOrderThatItDoesNotUnderstandIsRefused_data() {
         QTest::addColumn<QByteArray>("order");
-        for (const char* order : {"", "nodes", "nodes asleep", "nodes status 99", "answer error", "baseFee much",
-                                  "baseFee nan", "baseFee -1", "certificate none", "publish", "publish here",
-                                  "publish /no/such/folder", "updates error", "stop"})
+        for (const char* order :
+             {"", "nodes", "nodes asleep", "nodes status 99", "answer error", "baseFee much", "baseFee nan",
+              "baseFee -1", "moment noon", "moment 2026-03-03T14:00:00", "certificate none", "publish", "publish here",
+              "publish /no/such/folder", "updates error", "stop"})
             QTest::newRow(*order ? order : "nothing") << QByteArray(order);
     }
 
