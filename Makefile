@@ -8,7 +8,7 @@ FUZZ_SECONDS ?= 60
 MAKEFLAGS += --no-print-directory
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
-.PHONY: help run demo install uninstall package test soak bench fuzz screenshots format check clean
+.PHONY: help run demo install uninstall package test soak bench fuzz tsan valgrind coverage screenshots format check clean
 
 help: ## show this list
 	@echo "make GOAL, where GOAL is one of"
@@ -68,6 +68,26 @@ screenshots: ## pictures of every state in one page, and the README's
 	cmake --preset demo $(CMAKE_FLAGS)
 	cmake --build --preset demo --target galleries velisk-demo velisk-stand-in
 	@scripts/screenshots
+
+tsan: ## the tests under ThreadSanitizer
+	@$(INSTALL_DEPENDENCIES) test
+	cmake --preset tsan $(CMAKE_FLAGS)
+	cmake --build --preset tsan
+	@ctest --preset tsan
+
+valgrind: ## the tests without windows, under valgrind
+	@$(INSTALL_DEPENDENCIES) valgrind
+	cmake --preset valgrind $(CMAKE_FLAGS)
+	cmake --build --preset valgrind
+	@ctest --preset valgrind
+
+coverage: ## which lines the tests run, by folder
+	@$(INSTALL_DEPENDENCIES) coverage
+	cmake --preset coverage $(CMAKE_FLAGS)
+	cmake --build --preset coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage
+	@scripts/coverage
 
 format: ## lay out all C++ files
 	@$(INSTALL_DEPENDENCIES) format

@@ -17,7 +17,7 @@ makeAloneShowsTheList() {
 helpListsEveryGoalWithWhatItDoes() {
     local goal
     run make -C "$tree" help
-    for goal in run demo install uninstall package test soak bench fuzz screenshots format check clean help; do
+    for goal in run demo install uninstall package test soak bench fuzz tsan valgrind coverage screenshots format check clean help; do
         grep -qx "$goal" <<<"$(goals)" || fail "$goal is no goal"
     done
     for goal in $(goals); do
@@ -27,7 +27,7 @@ helpListsEveryGoalWithWhatItDoes() {
 
 everyGoalThatBuildsInstallsWhatItNeedsFirst() {
     local goal
-    for goal in run demo install package test soak bench fuzz screenshots format; do
+    for goal in run demo install package test soak bench fuzz tsan valgrind coverage screenshots format; do
         run make --no-print-directory -n -C "$tree" "$goal"
         expect_status 0
         [[ $output == scripts/install-dependencies\ * ]] ||
