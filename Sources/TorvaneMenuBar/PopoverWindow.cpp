@@ -18,8 +18,8 @@ namespace {
 
 /// A popup of Qt's keeps all clicks to itself, the first one outside too. But a compositor of the wlroots family puts a
 /// window that it manages in the middle of the screen, wherever it wants to be: there only a popup lies at the badge.
-Qt::WindowFlags kindOfWindow() {
-    const bool isMovedAway = X11::windowManagerName() == "wlroots wm"_L1;
+Qt::WindowFlags kindOfWindow(const X11::Desktop& desktop) {
+    const bool isMovedAway = desktop.windowManagerName == "wlroots wm"_L1;
     return (isMovedAway ? Qt::Popup : Qt::Tool | Qt::WindowStaysOnTopHint) | Qt::FramelessWindowHint;
 }
 
@@ -32,8 +32,9 @@ void giveWay(QScrollArea& scroller) {
 
 } // namespace
 
-PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area)
-    : QWidget(nullptr, kindOfWindow())
+PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area,
+                             const X11::Desktop& desktop)
+    : QWidget(nullptr, kindOfWindow(desktop))
     , m_badge(badge)
     , m_area(area)
     , m_scroller(new QScrollArea) {
@@ -46,7 +47,7 @@ PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badg
     m_scroller->setWidget(content.release());
     giveWay(*m_scroller);
 
-    auto* backdrop = new VisualEffect(Material::popover, BlendingMode::behindWindow, this);
+    auto* backdrop = new VisualEffect(Material::popover, BlendingMode::behindWindow, this, desktop.compositing);
     for (const auto& [outer, inner] : {std::pair<QWidget*, QWidget*>(this, backdrop), {backdrop, m_scroller}}) {
         auto* layout = new QVBoxLayout(outer);
         layout->setContentsMargins(0, 0, 0, 0);

@@ -11,6 +11,7 @@ struct CurlLibrary {
     decltype(&::curl_easy_cleanup) easy_cleanup;
     decltype(&::curl_easy_getinfo) easy_getinfo;
     decltype(&::curl_easy_init) easy_init;
+    decltype(&::curl_easy_pause) easy_pause;
     decltype(&::curl_easy_setopt) easy_setopt;
     decltype(&::curl_easy_strerror) easy_strerror;
     decltype(&::curl_global_init) global_init;

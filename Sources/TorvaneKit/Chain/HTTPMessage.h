@@ -10,6 +10,8 @@
 
 namespace torvane {
 
+class FileSink;
+
 using HeaderFields = QList<std::pair<QByteArray, QByteArray>>;
 
 /// The value of a field, its name in any case; the values of several joined by ", " (RFC 9110, 5.3). Null where none
@@ -24,8 +26,9 @@ struct Hop final {
     HeaderFields headers;
     std::chrono::milliseconds idleLimit;
     QDeadlineTimer deadline;
-    qsizetype bodyLimit; // bytes, after decoding
-    QUrl askedFor{};     // the address that the caller named, before any redirect
+    qsizetype bodyLimit;      // bytes, after decoding
+    QUrl askedFor{};          // the address that the caller named, before any redirect
+    FileSink* sink = nullptr; // takes the body of a success, as it comes, in place of memory
 };
 
 /// One server's answer, its body decoded.

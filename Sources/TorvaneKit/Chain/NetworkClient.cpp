@@ -1,6 +1,7 @@
 #include "Chain/NetworkClient.h"
 
 #include "Chain/CurlSession.h"
+#include "Chain/FileSink.h"
 #include "Chain/NetworkLimits.h"
 #include "Chain/RequestLog.h"
 #include "Chain/ResponseCache.h"
@@ -34,6 +35,16 @@ Hop firstHop(const Request& request) {
             .deadline = QDeadlineTimer(NetworkLimits::totalDeadline),
             .bodyLimit = request.bodyLimit,
             .askedFor = request.url};
+}
+
+Hop firstHop(const FileDownload& download, FileSink& sink) {
+    Hop hop = firstHop(Request{.url = download.url,
+                               .headers = {{"Accept-Encoding", "identity"}},
+                               .timeout = download.timeout,
+                               .bodyLimit = rpcBodyLimit}); // Of what explains a failure.
+    hop.deadline = QDeadlineTimer(NetworkLimits::downloadDeadline);
+    hop.sink = &sink;
+    return hop;
 }
 
 void requireSendable(const Hop& hop) {
@@ -84,10 +95,9 @@ Task<Answer> ask(const Hop& hop, CachePolicy policy) {
 }
 
 /// Redirects are followed here and not by libcurl: each server is trusted, and each answer remembered, for itself.
-Task<Answer> askAlongRedirects(const Request& request) {
-    Hop hop = firstHop(request);
+Task<Answer> askAlongRedirects(Hop hop, CachePolicy policy) {
     for (int redirects = 0;; ++redirects) {
-        Task<Answer> exchange = ask(hop, request.cachePolicy);
+        Task<Answer> exchange = ask(hop, policy);
         Answer answer = co_await exchange;
         const QUrl target = redirectTarget(hop, answer);
         if (target.isEmpty())
@@ -96,6 +106,10 @@ Task<Answer> askAlongRedirects(const Request& request) {
             throw TransportFailure(TransportFailure::Cause::tooManyRedirects, "redirected too often");
         hop = redirected(hop, target);
     }
+}
+
+bool isSuccess(const Answer& answer) {
+    return answer.status >= 200 && answer.status <= 299;
 }
 
 } // namespace
@@ -107,13 +121,25 @@ Task<> NetworkClient::prepare() {
 
 Task<QByteArray> NetworkClient::request(Request request) {
     RequestLog log(request.method, request.url);
-    Task<Answer> exchange = askAlongRedirects(request);
+    Task<Answer> exchange = askAlongRedirects(firstHop(request), request.cachePolicy);
     const Answer answer = co_await exchange;
-    const bool isOk = answer.status >= 200 && answer.status <= 299;
-    log.write(answer.body.size(), isOk);
-    if (!isOk)
+    log.write(answer.body.size(), isSuccess(answer));
+    if (!isSuccess(answer))
         throw NetworkFailure::http(answer.status);
     co_return answer.body;
+}
+
+Task<> NetworkClient::download(FileDownload download) {
+    RequestLog log("GET", download.url);
+    FileSink sink(download.descriptor, download.length, download.progress);
+    Task<Answer> exchange = askAlongRedirects(firstHop(download, sink), CachePolicy::useProtocol);
+    const Answer answer = co_await exchange;
+    if (!isSuccess(answer)) {
+        log.write(answer.body.size(), false);
+        throw NetworkFailure::http(answer.status);
+    }
+    co_await sink;
+    log.write(sink.size(), true);
 }
 
 void NetworkClient::forget(const QUrl& url) {

@@ -41,6 +41,8 @@ public:
         notSecure,        // the address, or where it redirects to, is not https
         tooManyRedirects, //
         invalidRequest,   // the caller's address, method or headers cannot be sent
+        tooShort,         // a download ended before its length
+        disk,             // a download cannot be written down
         connection,       // everything else; see curlCode
     };
 

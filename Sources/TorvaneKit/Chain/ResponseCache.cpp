@@ -91,9 +91,9 @@ bool isCacheable(const Hop& hop) {
     constexpr std::array<QByteArrayView, 8> ofCaching{
         "If-None-Match", "If-Modified-Since", "If-Match", "If-Unmodified-Since", "If-Range",
         "Range",         "Cache-Control",     "Pragma"};
-    return hop.method == "GET" && std::all_of(ofCaching.cbegin(), ofCaching.cend(), [&](QByteArrayView name) {
-               return headerValue(hop.headers, name).isNull();
-           });
+    return hop.method == "GET" && !hop.sink &&
+           std::all_of(ofCaching.cbegin(), ofCaching.cend(),
+                       [&](QByteArrayView name) { return headerValue(hop.headers, name).isNull(); });
 }
 
 ResponseCache::ResponseCache(qsizetype mostAnswers, qsizetype mostBytes)

@@ -2,6 +2,7 @@
 
 #include "Chain/CurlPool.h"
 #include "Chain/CurlSession.h"
+#include "Chain/FileSink.h"
 #include "Chain/TrustStore.h"
 
 #include <algorithm>
@@ -50,7 +51,8 @@ void Transfer::setUp() {
     // A time-out closes an HTTP/1.1 connection. An HTTP/2 one that died silently would stay and fail every later
     // request.
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    set(CURLOPT_ACCEPT_ENCODING, "gzip"); // "" would offer all that libcurl was built with: more decoders to attack.
+    if (!m_hop.sink) // "" would offer all that libcurl was built with: more decoders to attack.
+        set(CURLOPT_ACCEPT_ENCODING, "gzip");
     set(CURLOPT_WRITEFUNCTION, &Transfer::received);
     set(CURLOPT_WRITEDATA, static_cast<void*>(this));
     set(CURLOPT_HEADERFUNCTION, &Transfer::receivedHead);
@@ -121,6 +123,8 @@ void Transfer::start(detail::Suspended awaiting) {
     setUp();
     if (m_setUp != CURLE_OK)
         return fail({TransportFailure::Cause::invalidRequest, m_setUp, curl().easy_strerror(m_setUp)});
+    if (m_hop.sink)
+        connect(m_hop.sink, &FileSink::hasRoom, this, &Transfer::goOn);
     m_sinceActivity.start();
     m_idleTimer.start(m_hop.idleLimit);
     m_pool = &session->pool();
@@ -131,12 +135,40 @@ std::size_t Transfer::received(char* bytes, std::size_t size, std::size_t count,
     auto& self = *static_cast<Transfer*>(transfer);
     self.m_sinceActivity.start();
     const auto length = static_cast<qsizetype>(size * count);
+    if (self.m_hop.sink && self.isSuccess())
+        return self.takeDown(QByteArrayView(bytes, length));
     // Decoded bytes: a small compressed body can be a large one.
     self.m_isTooLarge = length > self.m_hop.bodyLimit - self.m_answer.body.size();
     if (self.m_isTooLarge)
         return 0;
     self.m_answer.body.append(bytes, length);
     return size * count;
+}
+
+std::size_t Transfer::takeDown(QByteArrayView bytes) {
+    const FileSink::Outcome outcome = m_hop.sink->take(bytes);
+    m_isPaused = outcome == FileSink::Outcome::full;
+    if (m_isPaused)
+        return CURL_WRITEFUNC_PAUSE; // libcurl comes with the same bytes again.
+    return outcome == FileSink::Outcome::taken ? static_cast<std::size_t>(bytes.size()) : 0;
+}
+
+void Transfer::goOn() {
+    if (!m_isPaused || !m_pool)
+        return;
+    m_isPaused = false;
+    m_sinceActivity.start(); // It was the disk that was waited for.
+    if (curl().easy_pause(m_easy.get(), CURLPAUSE_CONT) == CURLE_OK)
+        return;
+    // libcurl does not end a transfer whose bytes are refused at this moment: it only says so.
+    m_pool->remove(*this);
+    fail(m_hop.sink->failure().value_or(TransportFailure(TransportFailure::Cause::connection, "cannot go on")));
+}
+
+bool Transfer::isSuccess() const {
+    long status = 0;
+    curl().easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    return status >= 200 && status <= 299;
 }
 
 std::size_t Transfer::receivedHead(char* bytes, std::size_t size, std::size_t count, void* transfer) {
@@ -155,7 +187,7 @@ std::size_t Transfer::receivedHead(char* bytes, std::size_t size, std::size_t co
 void Transfer::checkIdleness() {
     // libcurl's own low-speed rule averages over seconds and does not count headers: no idle limit. Restarting a timer
     // at every piece received would cost more than looking at the time once here.
-    const std::chrono::milliseconds quiet(m_sinceActivity.elapsed());
+    const std::chrono::milliseconds quiet(m_isPaused ? 0 : m_sinceActivity.elapsed());
     if (quiet < m_hop.idleLimit) {
         m_idleTimer.start(m_hop.idleLimit - quiet);
         return;
@@ -178,6 +210,8 @@ void Transfer::finish(CURLcode code) {
         m_answer.headers = parseHead(m_head);
         return end();
     }
+    if (m_hop.sink && m_hop.sink->failure())
+        return fail(*m_hop.sink->failure());
     const bool isTimeOut = code == CURLE_OPERATION_TIMEDOUT;
     if (isTimeOut)
         CurlSession::instance()->dropPooledConnections();

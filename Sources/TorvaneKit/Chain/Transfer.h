@@ -54,6 +54,7 @@ private:
     };
 
     static std::size_t received(char* bytes, std::size_t size, std::size_t count, void* transfer);
+    std::size_t takeDown(QByteArrayView bytes);
     static std::size_t receivedHead(char* bytes, std::size_t size, std::size_t count, void* transfer);
 
     template <class Value>
@@ -64,6 +65,8 @@ private:
     void setUpHeaders();
     void start(detail::Suspended awaiting);
     void checkIdleness();
+    void goOn();
+    bool isSuccess() const;
     void fail(const TransportFailure& failure);
     void end();
     Answer outcome();
@@ -79,6 +82,7 @@ private:
     QByteArray m_head;
     Answer m_answer;
     bool m_isTooLarge = false;
+    bool m_isPaused = false;
     std::optional<TransportFailure> m_failure;
     std::array<char, CURL_ERROR_SIZE> m_errorText{};
 };

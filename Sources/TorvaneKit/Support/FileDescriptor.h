@@ -29,6 +29,9 @@ public:
 
     int get() const { return m_descriptor; }
 
+    /// Gives it up to the caller.
+    [[nodiscard]] int release() { return std::exchange(m_descriptor, -1); }
+
 private:
     int m_descriptor;
 };

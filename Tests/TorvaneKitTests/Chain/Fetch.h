@@ -47,6 +47,10 @@ public:
             return QStringLiteral("too many redirects");
         case invalidRequest:
             return QStringLiteral("invalid request");
+        case tooShort:
+            return QStringLiteral("too short");
+        case disk:
+            return QStringLiteral("disk: ") + QString::fromUtf8(failure.what());
         case connection:
             break;
         }

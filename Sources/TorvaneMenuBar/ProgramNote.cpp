@@ -1,0 +1,4 @@
+#include "TorvaneUpdates/ProgramNote.h"
+
+// What an update is told by: compiled for each program, with its own identity.
+TORVANE_PROGRAM_NOTE(TORVANE_APPLICATION_ID, TORVANE_VERSION, TORVANE_ARCHITECTURE);
