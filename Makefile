@@ -8,11 +8,11 @@ FUZZ_SECONDS ?= 60
 MAKEFLAGS += --no-print-directory
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
-.PHONY: help run demo test soak bench fuzz format check clean
+.PHONY: help run demo install uninstall package test soak bench fuzz tsan valgrind coverage screenshots format check clean
 
 help: ## show this list
 	@echo "make GOAL, where GOAL is one of"
-	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-8s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@awk -F ': ## ' '/^[a-z]+: ## / { printf "  %-13s%s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 	@echo "CMAKE_FLAGS=... reaches CMake; INSTALL_DEPENDENCIES=: installs nothing."
 
 run: ## build velisk and its relay, and start both: figures from public nodes
@@ -26,6 +26,21 @@ demo: ## the same against a simulated relay: no network needed, your settings un
 	cmake --preset demo $(CMAKE_FLAGS)
 	cmake --build --preset demo --target velisk-demo velisk-stand-in
 	@scripts/demo
+
+install: ## install velisk and its relay for you alone, below ~/.local; no root needed
+	@$(INSTALL_DEPENDENCIES) install
+	cmake --preset release $(CMAKE_FLAGS)
+	cmake --build --preset release
+	@scripts/install
+
+uninstall: ## remove what "make install" installed; your settings stay
+	@scripts/uninstall
+
+package: ## make a package for Debian 12 and an archive of the program alone, in build/package
+	@$(INSTALL_DEPENDENCIES) package
+	cmake --preset release $(CMAKE_FLAGS)
+	cmake --build --preset release
+	@scripts/package
 
 test: ## everything that must pass: layout, layers, build, tests
 	@$(INSTALL_DEPENDENCIES) test
@@ -47,6 +62,32 @@ fuzz: ## the fuzz targets, each for FUZZ_SECONDS (60)
 	cmake --preset fuzz $(CMAKE_FLAGS)
 	cmake --build --preset fuzz
 	@scripts/fuzz $(FUZZ_SECONDS)
+
+screenshots: ## pictures of every state in one page, and the README's
+	@$(INSTALL_DEPENDENCIES) screenshots
+	cmake --preset demo $(CMAKE_FLAGS)
+	cmake --build --preset demo --target galleries velisk-demo velisk-stand-in
+	@scripts/screenshots
+
+tsan: ## the tests under ThreadSanitizer
+	@$(INSTALL_DEPENDENCIES) test
+	cmake --preset tsan $(CMAKE_FLAGS)
+	cmake --build --preset tsan
+	@ctest --preset tsan
+
+valgrind: ## the tests without windows, under valgrind
+	@$(INSTALL_DEPENDENCIES) valgrind
+	cmake --preset valgrind $(CMAKE_FLAGS)
+	cmake --build --preset valgrind
+	@ctest --preset valgrind
+
+coverage: ## which lines the tests run, by folder
+	@$(INSTALL_DEPENDENCIES) coverage
+	cmake --preset coverage $(CMAKE_FLAGS)
+	cmake --build --preset coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage
+	@scripts/coverage
 
 format: ## lay out all C++ files
 	@$(INSTALL_DEPENDENCIES) format

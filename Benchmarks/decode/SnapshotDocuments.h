@@ -9,7 +9,7 @@ namespace torvane {
 
 /// What a generated document is like.
 struct DocumentShape {
-    std::string name;
+    std::string name{};
     int networks = 9;
     int points = 288;    ///< of each history
     int digits = 17;     ///< significant ones of the figures; 17 is as many as they need

@@ -4,11 +4,12 @@
 // MergeBenchmark [ROUNDS]   exits with 1 where the bar is missed, with 2 where a figure is wrong
 #include "Chain/SnapshotMerge.h"
 #include "Comparison.h"
+#include "ThreadCPU.h"
 
 #include <QByteArray>
 
+#include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 
 using namespace torvane;
@@ -80,27 +81,20 @@ double mergeOurs(const Snapshot& source, const QList<LiveL2Quote>& quotes) {
     return *merged.l2[networks / 2].costGwei + merged.l2.first().history->last();
 }
 
-/// CPU milliseconds of this thread.
-double cpu() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 /// Adds the CPU milliseconds of each call of a block but the first. What the calls return is checked, so that nothing
 /// is optimised away.
 template <class Work>
 void addBlock(const Work& work, std::vector<double>& times) {
     for (int call = 0; call <= callsPerBlock; ++call) {
-        const double start = cpu();
+        const double start = threadMicroseconds();
         const double result = work();
-        const double end = cpu();
+        const double end = threadMicroseconds();
         if (result != followedPrice + firstPrice) {
             std::fprintf(stderr, "A merge brought %g\n", result);
             std::exit(2);
         }
         if (call > 0)
-            times.push_back(end - start);
+            times.push_back((end - start) / 1e3);
     }
 }
 
@@ -118,9 +112,9 @@ int main(int argc, char** argv) {
         addBlock([&] { return mergeOurs(source, oneQuote); }, ours);
         addBlock([&] { return copyAndMerge(copied, followed); }, yardstick);
     }
-    std::printf("CPU of a merge, medians of %d blocks of %d calls\n", rounds, callsPerBlock);
-    Comparison::printHead();
-    const Comparison merge{"10,000 networks x 288 points, two quotes", "ms", median(ours), median(yardstick), 0.05};
-    merge.print();
-    return merge.isMet() ? 0 : 1;
+    Figures::begin("CPU of a merge, beside a deep copy; medians of " + std::to_string(rounds) + " blocks of " +
+                   std::to_string(callsPerBlock) + " calls");
+    const Comparison merge{"merge, 10,000 networks x 288 points, two quotes", "ms", median(ours), median(yardstick),
+                           0.05};
+    return merge.report() ? 0 : 1;
 }

@@ -8,6 +8,8 @@
 
 #include <QCoreApplication>
 
+#include <cstdio>
+
 namespace {
 
 /// The three tiers, as the program derives them.
@@ -69,13 +71,13 @@ int main(int argc, char** argv) {
     }
     const PollFigures mine = medianOf(ours);
     const PollFigures theirs = medianOf(yardstick);
+    Figures::begin("CPU per live poll, from the request to the badge; medians of " + std::to_string(rounds) +
+                   " rounds of " + polls.toStdString() + " polls");
     const Comparison beside{"live poll, beside Qt's client and parser", "ms", mine.median, theirs.median, 0.7};
     const Comparison besideScript{"live poll, beside curl and jq", "ms", mine.median, median(script), 1.0 / 30};
-    std::printf("CPU per live poll, medians of %d rounds of %s polls\n", rounds, qPrintable(polls));
-    Comparison::printHead();
-    beside.print();
-    besideScript.print();
+    const bool isMet = beside.report();
+    const bool isScriptMet = besideScript.report();
     std::printf("    first poll %.2f and %.2f ms, voluntary switches per poll %.1f and %.1f\n", mine.first,
                 theirs.first, mine.switches, theirs.switches);
-    return beside.isMet() && besideScript.isMet() ? 0 : 1;
+    return isMet && isScriptMet ? 0 : 1;
 }

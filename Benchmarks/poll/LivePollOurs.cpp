@@ -9,6 +9,7 @@
 #include "Support/TestConfig.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QLoggingCategory>
 #include <QTcpServer>
 #include <QTemporaryDir>
@@ -46,7 +47,7 @@ private:
     }
 
     void next() {
-        if (!m_store.ethereumBlockNumber.value() || !std::exchange(m_isCompared, false)) {
+        if (!m_store.ethereumBlockNumber.value() || !m_store.snapshot.value() || !std::exchange(m_isCompared, false)) {
             std::fprintf(stderr, "The poll brought no figures\n");
             QCoreApplication::exit(1);
             return;
@@ -81,9 +82,10 @@ private:
 
 /// A start finds a document of the usual size: Ethereum and nine networks with their histories.
 void cacheDocument(const QString& home) {
-    UserDefaults defaults(home + QStringLiteral("/preferences.json"), home);
-    defaults.setData(QStringLiteral("cachedSnapshot"),
-                     JSON::encode(SimulatedMarket::at(QDateTime::currentDateTimeUtc())));
+    QFile file(home + QStringLiteral("/cachedSnapshot"));
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(JSON::encode(SimulatedMarket::at(QDateTime::currentDateTimeUtc()))) < 0 || !file.flush())
+        qFatal("The cache cannot be written");
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include <QCoreApplication>
 
+#include <cstdio>
+
 namespace {
 
 struct Case {
@@ -24,11 +26,10 @@ bool compare(const Case& which, const NodeServer& server, int rounds, const QStr
     }
     const PollFigures mine = medianOf(ours);
     const PollFigures theirs = medianOf(yardstick);
-    const Comparison request{which.name, "ms", mine.median, theirs.median, which.bar};
-    request.print();
+    const bool isMet = Comparison{which.name, "ms", mine.median, theirs.median, which.bar}.report();
     std::printf("    first request %.2f and %.2f ms, voluntary switches per request %.1f and %.1f\n", mine.first,
                 theirs.first, mine.switches, theirs.switches);
-    return request.isMet();
+    return isMet;
 }
 
 } // namespace
@@ -39,9 +40,9 @@ int main(int argc, char** argv) {
     const int rounds = arguments.value(1, QStringLiteral("7")).toInt();
     const QString requests = arguments.value(2, QStringLiteral("300"));
     const NodeServer server;
-    std::printf("CPU per request, medians of %d rounds of %s requests\n", rounds, qPrintable(requests));
-    Comparison::printHead();
-    const bool isHotMet = compare({"kept alive", "/", 0.6}, server, rounds, requests);
-    const bool isClosingMet = compare({"closed each time", "/close", 0.5}, server, rounds, requests);
+    Figures::begin("CPU per request, beside Qt's client; medians of " + std::to_string(rounds) + " rounds of " +
+                   requests.toStdString() + " requests");
+    const bool isHotMet = compare({"request, kept alive", "/", 0.6}, server, rounds, requests);
+    const bool isClosingMet = compare({"request, closed each time", "/close", 0.5}, server, rounds, requests);
     return isHotMet && isClosingMet ? 0 : 1;
 }

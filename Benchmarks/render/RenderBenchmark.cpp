@@ -8,13 +8,14 @@
 #include "Design/DesignSystem.h"
 #include "Icons/IconPaths.h"
 #include "Icons/QtSVGPath.h"
+#include "ThreadCPU.h"
 #include "Views/MenuBarLabel.h"
 
 #include <QGuiApplication>
 #include <QPainter>
 
+#include <cstdio>
 #include <cstdlib>
-#include <ctime>
 
 using namespace torvane;
 
@@ -74,17 +75,12 @@ QString yardstickKey(const char* network) {
 /// CPU microseconds of one of so many calls.
 template <class Work>
 double microseconds(int calls, const Work& work) {
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
-    };
-    const double start = now();
+    const double start = threadMicroseconds();
     for (int call = 0; call < calls; ++call) {
         if (work(call).width() != side)
             fail("A badge was not drawn");
     }
-    return (now() - start) / calls;
+    return (threadMicroseconds() - start) / calls;
 }
 
 /// The medians of both, measured by turns; the first round fills the caches.
@@ -129,11 +125,9 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 25;
-    std::printf("CPU of a badge of %d pixels, medians of %d rounds\n", side, rounds);
-    Comparison::printHead();
-    const Comparison results[]{drawnAnew(rounds), found(rounds)};
-    for (const Comparison& result : results)
-        result.print();
-    return std::all_of(std::begin(results), std::end(results), [](const Comparison& each) { return each.isMet(); }) ? 0
-                                                                                                                    : 1;
+    Figures::begin("CPU of a badge of " + std::to_string(side) + " pixels, beside QPainter and QHash; medians of " +
+                   std::to_string(rounds) + " rounds");
+    const bool isDrawingMet = drawnAnew(rounds).report();
+    const bool isFindingMet = found(rounds).report();
+    return isDrawingMet && isFindingMet ? 0 : 1;
 }

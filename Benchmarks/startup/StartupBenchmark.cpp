@@ -8,6 +8,7 @@
 #include "startup/Memory.h"
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <unistd.h>
@@ -42,7 +43,7 @@ Launches measureLaunches(Desktop& desktop, int rounds) {
 
 /// Where the time went. The yardstick may lack a step.
 void note(const char* what, const std::vector<double>& ours, const std::vector<double>& yardstick) {
-    std::printf("%-44s %9.4g ms ", what, median(ours));
+    std::printf("%-50s %9.4g ms ", what, median(ours));
     if (yardstick.empty())
         std::printf("%9s\n", "-");
     else
@@ -51,21 +52,22 @@ void note(const char* what, const std::vector<double>& ours, const std::vector<d
 
 bool report(const Launches& times, int rounds) {
     const auto& [ours, yardstick] = times;
-    std::printf("Beside a plain tray icon with a plain window, medians of %d starts\n", rounds);
-    Comparison::printHead();
+    Figures::begin("Start and clicks, beside a plain tray icon with a plain window; medians of " +
+                   std::to_string(rounds) + " starts");
     const std::array comparisons{
         Comparison{"start to registration", "ms", median(ours.registered), median(yardstick.registered), 1.4},
         Comparison{"first click to first frame", "ms", median(ours.coldFrame), median(yardstick.coldFrame), 1.5},
         Comparison{"later clicks to first frame", "ms", median(ours.warmFrame), median(yardstick.warmFrame), 2},
     };
+    bool areMet = true;
     for (const Comparison& each : comparisons)
-        each.print();
+        areMet &= each.report();
     note("  start to the bus", ours.onBus, yardstick.onBus);
     note("  start to a name there", ours.named, yardstick.named);
     note("  processor time until registration", ours.cpu, yardstick.cpu);
     note("  first click to window", ours.coldMap, yardstick.coldMap);
     note("  later clicks to window", ours.warmMap, yardstick.warmMap);
-    return std::all_of(comparisons.begin(), comparisons.end(), [](const Comparison& each) { return each.isMet(); });
+    return areMet;
 }
 
 bool reportMemory(Desktop& desktop, int seconds) {
@@ -75,20 +77,19 @@ bool reportMemory(Desktop& desktop, int seconds) {
         measureMemory({VELISK_DEMO}, desktop, seconds, ours);
         measureMemory({COMPOSITE_YARDSTICK, STAND_IN_ORIGIN}, desktop, seconds, yardstick);
     }
-    std::printf("\nBeside a plain tray icon with Qt's own client, medians of %d starts, %d s after each\n",
-                memoryRounds, seconds);
-    Comparison::printHead();
+    Figures::begin("Memory, beside a plain tray icon with Qt's own client; medians of " + std::to_string(memoryRounds) +
+                   " starts, " + std::to_string(seconds) + " s after each");
     const Comparison dirty{"private dirty memory", "kB", median(ours.privateDirty), median(yardstick.privateDirty),
                            1.25};
     const Comparison proportional{"proportional set size", "kB", median(ours.proportional),
                                   median(yardstick.proportional), 1.1};
-    dirty.print();
-    proportional.print();
+    const bool isDirtyMet = dirty.report();
     desktop.depopulate();
     if (!isQtShared())
-        return dirty.isMet() && proportional.isMet();
-    std::puts("  (does not count: other programs with Qt run here, and have a part of what is shared)");
-    return dirty.isMet();
+        return proportional.report() && isDirtyMet;
+    // They have a part of what is shared.
+    proportional.reportUncounted("not counted: other programs with Qt run");
+    return isDirtyMet;
 }
 
 int measure(int rounds, int seconds) {

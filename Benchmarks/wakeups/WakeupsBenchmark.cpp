@@ -7,6 +7,7 @@
 #include "rig/Desktop.h"
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <thread>
@@ -67,27 +68,26 @@ void keepTheFigureStill(const Desktop& desktop) {
 }
 
 void printMain(const Measured& measured) {
-    std::printf("%-44s %9.4g     %8.4g\n", "  of these the main thread", median(measured.mine.main),
+    std::printf("%-50s %9.4g     %8.4g\n", "  of these the main thread", median(measured.mine.main),
                 median(measured.theirs.main));
 }
 
 /// Each change costs what the panel asks when it hears of it: how many questions, it decides. So there is no bar.
 void printMoving(const Measured& moving) {
-    std::printf("%-44s %9.4g     %8.4g %8.3f\n", "with another figure at each block", median(moving.mine.all),
+    std::printf("%-50s %9.4g     %8.4g %8.3f\n", "with another figure at each block", median(moving.mine.all),
                 median(moving.theirs.all), median(moving.mine.all) / median(moving.theirs.all));
     printMain(moving);
 }
 
 int report(const Measured& still, const Measured& moving) {
-    std::printf("Voluntary context switches a minute, medians of %zu minutes, a poll per block\n",
-                still.mine.all.size());
-    Comparison::printHead();
-    const Comparison all{"the whole program, the badge unchanged", "", median(still.mine.all), median(still.theirs.all),
-                         0.5};
-    all.print();
+    Figures::begin("Voluntary context switches a minute, beside a tray icon with Qt's client; medians of " +
+                   std::to_string(still.mine.all.size()) + " minutes");
+    const Comparison all{"whole program, the badge unchanged, a poll per block", "", median(still.mine.all),
+                         median(still.theirs.all), 0.5};
+    const bool isMet = all.report();
     printMain(still);
     printMoving(moving);
-    return all.isMet() ? 0 : 1;
+    return isMet ? 0 : 1;
 }
 
 int measureBoth(int minutes, std::chrono::seconds before) {

@@ -38,10 +38,12 @@ void Popover::open(const QRect& badge) {
         return;
     if (!badge.isNull())
         m_lastBadge = badge;
+    X11::DesktopQuestion desktop; // Is answered while the content is made.
+    std::unique_ptr<QWidget> content = m_makeContent();
     const QScreen& screen = PopoverPlacement::screenOf(m_lastBadge);
     const QRect area = PopoverPlacement::workArea(screen);
     const QRect place = wholeBadge(m_lastBadge, screen.geometry(), area);
-    m_window = std::make_unique<PopoverWindow>(m_makeContent(), place, area);
+    m_window = std::make_unique<PopoverWindow>(std::move(content), place, area, desktop.answer());
     connect(m_window.get(), &PopoverWindow::ended, this, &Popover::ended);
     m_window->open();
 }

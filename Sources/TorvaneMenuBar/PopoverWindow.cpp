@@ -18,8 +18,8 @@ namespace {
 
 /// A popup of Qt's keeps all clicks to itself, the first one outside too. But a compositor of the wlroots family puts a
 /// window that it manages in the middle of the screen, wherever it wants to be: there only a popup lies at the badge.
-Qt::WindowFlags kindOfWindow() {
-    const bool isMovedAway = X11::windowManagerName() == "wlroots wm"_L1;
+Qt::WindowFlags kindOfWindow(const X11::Desktop& desktop) {
+    const bool isMovedAway = desktop.windowManagerName == "wlroots wm"_L1;
     return (isMovedAway ? Qt::Popup : Qt::Tool | Qt::WindowStaysOnTopHint) | Qt::FramelessWindowHint;
 }
 
@@ -32,8 +32,9 @@ void giveWay(QScrollArea& scroller) {
 
 } // namespace
 
-PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area)
-    : QWidget(nullptr, kindOfWindow())
+PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area,
+                             const X11::Desktop& desktop)
+    : QWidget(nullptr, kindOfWindow(desktop))
     , m_badge(badge)
     , m_area(area)
     , m_scroller(new QScrollArea) {
@@ -46,7 +47,7 @@ PopoverWindow::PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badg
     m_scroller->setWidget(content.release());
     giveWay(*m_scroller);
 
-    auto* backdrop = new VisualEffect(Material::popover, BlendingMode::behindWindow, this);
+    auto* backdrop = new VisualEffect(Material::popover, BlendingMode::behindWindow, this, desktop.compositing);
     for (const auto& [outer, inner] : {std::pair<QWidget*, QWidget*>(this, backdrop), {backdrop, m_scroller}}) {
         auto* layout = new QVBoxLayout(outer);
         layout->setContentsMargins(0, 0, 0, 0);
@@ -80,6 +81,12 @@ bool PopoverWindow::event(QEvent* event) {
     if (isLeft)
         Q_EMIT ended(QApplication::activeWindow() ? PopoverEnd::ownWindow : PopoverEnd::foreignWindow);
     return result;
+}
+
+/// What state the window manager gives the window is all the same to it. But Qt would ask the server for it at each
+/// change, and wait for the answer, twice before the first frame.
+bool PopoverWindow::nativeEvent(const QByteArray& eventType, void* message, qintptr*) {
+    return eventType == "xcb_generic_event_t" && X11::tellsOfWindowState(message);
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {
@@ -130,8 +137,10 @@ void PopoverWindow::lookBelowPointerSoon() {
 
 void PopoverWindow::lookBelowPointer() {
     m_isLookDue = false;
+    if (!isVisible())
+        return;
     const QPoint pointer = QCursor::pos();
-    if (!isVisible() || !geometry().contains(pointer))
+    if (!geometry().contains(pointer))
         return;
     QMouseEvent rest(QEvent::MouseMove, mapFromGlobal(pointer), pointer, Qt::NoButton, QGuiApplication::mouseButtons(),
                      QGuiApplication::keyboardModifiers());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/X11Properties.h"
+
 #include <QWidget>
 
 #include <memory>
@@ -21,7 +23,7 @@ class PopoverWindow final : public QWidget {
 
 public:
     /// The badge and its screen's work area as PopoverPlacement has them.
-    PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area);
+    PopoverWindow(std::unique_ptr<QWidget> content, const QRect& badge, const QRect& area, const X11::Desktop& desktop);
 
     /// Shows the window and gives it the keyboard.
     void open();
@@ -31,6 +33,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
+    bool nativeEvent(const QByteArray& eventType, void* message, qintptr* result) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 

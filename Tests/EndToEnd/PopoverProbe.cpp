@@ -1,4 +1,5 @@
 #include "Design/Theme.h"
+#include "Model/ApplicationId.h"
 #include "Platform/StatusNotifierItem.h"
 #include "Popover.h"
 
@@ -69,7 +70,7 @@ int main(int argc, char* argv[]) {
     sayAppearance();
 
     Popover popover([] { return std::make_unique<Content>(); });
-    StatusNotifierItem badge(QDBusConnection::sessionBus(), u"org.velisk.Torvane"_s, u"ApplicationStatus"_s);
+    StatusNotifierItem badge(QDBusConnection::sessionBus(), applicationId, u"ApplicationStatus"_s);
     QObject::connect(&badge, &StatusNotifierItem::activated, &popover, [&] {
         popover.toggle(QRect(QCursor::pos(), QSize(1, 1)));
         say(popover.isOpen() ? "clicked: open" : "clicked: closed");

@@ -1,8 +1,6 @@
 #!/usr/bin/env bash
 # appearance.sh PROGRAM: windows follow the desktop's preference, by the real portal and its settings, while they are
 # open. The program says "dark" or "light" when it changes.
-#
-# SHOTS             a folder that keeps the pictures
 source "$(dirname "$0")/rig.sh"
 
 # The portal's settings in a file of the rig's; its services get this from the bus. The portal asks no backend but gtk's.
@@ -20,10 +18,6 @@ says() {
 # ground_is COLOR: the popover's, where it has no text.
 ground_is() {
     [ "$(import -window root -crop 1x1+"$ground_x+$ground_y" +repage -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}')" = "$1" ]
-}
-
-keep() {
-    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
 }
 
 portal_is_up() {

@@ -1,16 +1,11 @@
 #!/usr/bin/env bash
 # figure-in-panel.sh PROGRAM RELAY ANCHOR PORT: the program shows in a real panel what its relay says, keeps it while
 # the relay misbehaves or is gone, and over a restart. The relay is the stand-in, its certificate is in ANCHOR.
-# SHOTS             a folder that keeps the pictures
 : "${RIG_PANEL:=mate}" # Its items show the whole figure, and can be read by others.
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
 source "$(dirname "$0")/relay.sh"
 program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
-
-keep() {
-    [ -z "${SHOTS:-}" ] || cp "$1" "$SHOTS/$2"
-}
 
 panel_start
 panel_settle
@@ -20,7 +15,7 @@ relay_order "baseFee 12.2"
 program_start "$program_under_test"
 program_wait "the relay's figure" tool_tip_is "12.3 gwei"
 program_wait "the badge in the panel" panel_differs "$RIG/empty.png" 200
-keep "$RIG/now.png" first.png
+keep first.png "$RIG/now.png"
 cp "$RIG/now.png" "$RIG/first.png"
 rig_pass "the panel shows the figure of the relay's document"
 
@@ -28,7 +23,7 @@ relay_order "baseFee 7.4"
 refresh
 program_wait "the new figure" tool_tip_is "7.5 gwei"
 program_wait "the new figure in the panel" panel_differs "$RIG/first.png" 10
-keep "$RIG/now.png" second.png
+keep second.png "$RIG/now.png"
 cp "$RIG/now.png" "$RIG/second.png"
 rig_pass "the panel follows the relay's document"
 

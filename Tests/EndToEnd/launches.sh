@@ -1,17 +1,11 @@
 #!/usr/bin/env bash
 # launches.sh PROGRAM RELAY ANCHOR PORT: one program per session, however often and by whatever means it is started; how
 # it ends; and that it runs without a panel, a bus, a network or a home.
-#
-# SHOTS             a folder that keeps the pictures
 : "${RIG_PANEL:=mate}" # Its items can be read by others.
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
 source "$(dirname "$0")/relay.sh"
 program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
-
-keep() {
-    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
-}
 
 # launch_again STATUS: a further launch ends with it, and the first one goes on.
 launch_again() {

@@ -12,10 +12,6 @@ program_under_test=$1 relay_under_test=$2 nodes=$3 anchor=$4 port=$5
 table=$RIG/networks.toml
 own=$XDG_DATA_HOME/velisk
 
-keep() {
-    [ -z "${SHOTS:-}" ] || cp "$1" "$SHOTS/$2"
-}
-
 # own_relay_start LINE: and waits until it has said a line that begins so.
 own_relay_start() {
     rm -f "$RIG/log/relay"
@@ -48,8 +44,8 @@ cmp --silent "$RIG/document" "$own/snapshot.json" || rig_fail "it serves another
 sed 's/"avg"/"average"/' "$RIG/document" >"$RIG/broken"
 if "$relay_under_test" --check "$RIG/broken" 2>"$RIG/log/check"; then rig_fail "a broken document passes"; fi
 grep -q 'broken: gas.avg: missing$' "$RIG/log/check" || rig_fail "the key that is wrong is not named"
-keep "$RIG/log/relay" relay-lines.txt
-keep "$RIG/document" snapshot.json
+keep relay-lines.txt "$RIG/log/relay"
+keep snapshot.json "$RIG/document"
 rig_pass "the relay reads the nodes and serves what it wrote"
 
 panel_start
@@ -63,7 +59,7 @@ rig_pass "the program trusts its user's relay and shows its figure"
 click 1 "$(difference_box "$RIG/empty.png" "$RIG/now.png")"
 program_wait "the popover" xdotool search --onlyvisible --name '^velisk$'
 screenshot "$RIG/popover.png"
-keep "$RIG/popover.png" popover.png
+keep popover.png "$RIG/popover.png"
 cmp --silent "$RIG/document" "$XDG_CACHE_HOME/velisk/cachedSnapshot" || rig_fail "the program keeps other bytes"
 rig_pass "the program keeps the document as the relay served it"
 

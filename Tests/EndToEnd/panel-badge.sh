@@ -4,7 +4,6 @@
 # another figure.
 #
 # EXPECTED_LABEL    the label that the item is to have (none)
-# SHOTS             a folder that keeps the pictures
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
 surface=$1
@@ -12,10 +11,6 @@ shift
 
 # A mark of 16 pixels, without a figure, covers some.
 least_pixels=60
-
-keep() {
-    [ -z "${SHOTS:-}" ] || cp "$1" "$SHOTS/$RIG_PANEL-$2"
-}
 
 # What the program said last of its surface.
 program_shows_on() {
@@ -45,7 +40,7 @@ open_menu() {
 panel_start
 panel_settle
 cp "$RIG/now.png" "$RIG/empty.png"
-keep "$RIG/empty.png" empty.png
+keep "$RIG_PANEL-empty.png" "$RIG/empty.png"
 program_start "$@"
 program_wait "the surface" program_shows_on "$surface"
 if has_item; then
@@ -54,7 +49,7 @@ fi
 program_wait "the badge in the panel" panel_differs "$RIG/empty.png" "$least_pixels"
 panel_settle
 cp "$RIG/now.png" "$RIG/badge.png"
-keep "$RIG/badge.png" badge.png
+keep "$RIG_PANEL-badge.png" "$RIG/badge.png"
 box=$(difference_box "$RIG/empty.png" "$RIG/badge.png")
 rig_pass "the badge is visible at $box"
 
@@ -82,7 +77,7 @@ program_wait "another figure" grep -qx "command 2" "$RIG/log/program"
 program_wait "another figure in the panel" panel_differs "$RIG/badge.png" 10
 panel_settle
 cp "$RIG/now.png" "$RIG/refreshed.png"
-keep "$RIG/now.png" refreshed.png
+keep "$RIG_PANEL-refreshed.png" "$RIG/now.png"
 box=$(difference_box "$RIG/empty.png" "$RIG/now.png")
 rig_pass "another figure is drawn after a refresh"
 
@@ -97,7 +92,7 @@ xdotool mousemove 640 400 # Panels light up what the pointer is upon.
 rig_pass "a click on the badge at $box arrives as $x $y $width $height"
 
 open_menu
-keep "$RIG/screen.png" menu.png
+keep "$RIG_PANEL-menu.png" "$RIG/screen.png"
 xdotool key Up Return mousemove 640 400
 program_wait_end
 rig_wait "the badge to leave the panel" panel_differs "$RIG/refreshed.png" "$least_pixels"

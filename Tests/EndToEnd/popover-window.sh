@@ -1,14 +1,8 @@
 #!/usr/bin/env bash
 # popover-window.sh PROGRAM: the popover's window under a window manager, at the badge in the corner of a real panel.
-#
-# SHOTS             a folder that keeps the pictures
 source "$(dirname "$0")/rig.sh"
 
 rig_enter "$@"
-
-keep() {
-    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
-}
 
 # Without the clock behind it the tray ends at the screen's corner.
 sed -i '/name="plugin-ids"/,/<\/property>/ s/<value type="int" value="3"\/>//' \

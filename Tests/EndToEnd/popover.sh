@@ -1,16 +1,10 @@
 #!/usr/bin/env bash
 # popover.sh PROGRAM RELAY ANCHOR PORT: the whole program's popover and preferences in a real panel: opened by a click,
 # worked by the keyboard, in the colours that the user chooses.
-#
-# SHOTS             a folder that keeps the pictures
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
 source "$(dirname "$0")/relay.sh"
 program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
-
-keep() {
-    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
-}
 
 # window_id NAME: the visible window of that title.
 window_id() {

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # preferences.sh PROGRAM RELAY ANCHOR PORT: the preferences open in front of other programs' windows, do what they say
 # by the keyboard alone, and keep it over a restart. The relay is the stand-in, its certificate is in ANCHOR.
-# SHOTS             a folder that keeps the pictures
 : "${RIG_PANEL:=mate}" # Its items can be read by others.
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
@@ -9,10 +8,6 @@ source "$(dirname "$0")/relay.sh"
 program_under_test=$1 relay_under_test=$2 anchor=$3 port=$4
 entry=$RIG/config/autostart/org.velisk.Torvane.desktop
 stored=$RIG/config/velisk/preferences.json
-
-keep() {
-    [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1"
-}
 
 open_preferences() {
     menu_choose "$(find_item)" "Preferences…"

@@ -4,6 +4,7 @@
 #
 # RIG_PANEL         xfce, lxqt, mate, trayer (a tray for windows alone) or ayatana (a service without a face) (xfce)
 # RIG_LIMIT         seconds that a condition may take (60)
+# RIG_SCREEN        width, height and depth of the screen (1280x800x24)
 # RIG_PANEL_SIZE    height of the panel in pixels (32)
 # RIG_PANEL_DARK    true or false (true); lxqt's panel has a look of its own
 # RIG_BUTTON_IMAGES true or false: whether programs on GTK show images on buttons (false, as GTK has it)
@@ -12,12 +13,13 @@
 # RIG_PREPARE       a file that is sourced inside before the script goes on: it starts or lays down what the program
 #                   under test needs besides; its background jobs end with the script
 # RIG_KEEP          a file for a picture of the screen at a failure
+# SHOTS             a folder that keeps the scripts' pictures
 # RIG_SESSION_LIMIT seconds that the whole script may take (900)
 
 set -euo pipefail
 
 : "${RIG_LIMIT:=60}" "${RIG_PANEL:=xfce}" "${RIG_BUTTON_IMAGES:=false}" "${RIG_PANEL_SIZE:=32}" "${RIG_PANEL_DARK:=true}" "${RIG_ICON_SIZE:=22}"
-: "${RIG_ITEM_ID:=org.velisk.Torvane}"
+: "${RIG_ITEM_ID:=org.velisk.Torvane}" "${RIG_SCREEN:=1280x800x24}"
 rig_source=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 # Starts everything around the script and runs it again inside; returns only there. Services of the bus inherit the bus's
@@ -40,7 +42,7 @@ rig_enter() {
     # The keyboard library of X hands strndup bytes without an end, rightly, but the strict check takes it for an error.
     export ASAN_OPTIONS=${ASAN_OPTIONS:-}:strict_string_checks=0
     unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$RIG/display" 2>"$RIG/log/xvfb" &
+    Xvfb -displayfd 3 -screen 0 "$RIG_SCREEN" -nolisten tcp -noreset 3>"$RIG/display" 2>"$RIG/log/xvfb" &
     server=$!
     trap 'kill "$server"; wait "$server" || true; rig_remove' EXIT
     # The display's number is complete with its line's end.
@@ -263,6 +265,12 @@ popover_is_active() {
 
 screenshot() {
     import -window root "$1"
+}
+
+# keep NAME [PICTURE]: the picture, or one of the screen, in the folder SHOTS; nothing where there is no such wish.
+keep() {
+    [ -n "${SHOTS:-}" ] || return 0
+    if [ $# = 2 ]; then cp "$2" "$SHOTS/$1"; else screenshot "$SHOTS/$1"; fi
 }
 
 # panel_screenshot FILE: the panel's strip alone.

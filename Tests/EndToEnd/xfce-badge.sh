@@ -1,13 +1,7 @@
 #!/usr/bin/env bash
 # xfce-badge.sh PROGRAM [ARGUMENT...]: the probe's badge follows what an xfce panel wants, and what its user wants of it.
-#
-# SHOTS             a folder that keeps the pictures
 source "$(dirname "$0")/rig.sh"
 rig_enter "$@"
-
-keep() {
-    [ -z "${SHOTS:-}" ] || cp "$1" "$SHOTS/xfce-$2"
-}
 
 program_shows_on() {
     [ "$(grep '^surface ' "$RIG/log/program" | tail -n 1)" = "surface $1" ]
@@ -57,13 +51,13 @@ tray=$(tray_window) || rig_fail "there is no tray"
 xprop -id "$tray" -f _NET_SYSTEM_TRAY_COLORS 32c -set _NET_SYSTEM_TRAY_COLORS \
     "65535, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0"
 program_wait "the badge in the panel's new colour" panel_has '#FF0000'
-keep "$RIG/now.png" red.png
+keep xfce-red.png "$RIG/now.png"
 rig_pass "the badge follows the panel's colour"
 
 xprop -id "$tray" -f _NET_SYSTEM_TRAY_ORIENTATION 32c -set _NET_SYSTEM_TRAY_ORIENTATION 1
 program_wait "a square badge" rig_not badge_is_wide 30
 panel_settle
-keep "$RIG/now.png" vertical.png
+keep xfce-vertical.png "$RIG/now.png"
 xprop -id "$tray" -f _NET_SYSTEM_TRAY_ORIENTATION 32c -set _NET_SYSTEM_TRAY_ORIENTATION 0
 program_wait "a wide badge" badge_is_wide 40
 rig_pass "the badge follows the panel's orientation"
@@ -71,7 +65,7 @@ rig_pass "the badge follows the panel's orientation"
 screenshot "$RIG/closed.png"
 xdotool mousemove 1240 16
 program_wait "the tooltip" screen_differs "$RIG/closed.png" 1000
-keep "$RIG/screen.png" tooltip.png
+keep xfce-tooltip.png "$RIG/screen.png"
 xdotool mousemove 640 400
 rig_pass "the badge has a tooltip"
 
@@ -81,7 +75,7 @@ program_wait "the item's registration" item_is_registered
 item_property "$(find_item)" IconName | grep -q 'velisk-[0-9]*-[0-9a-f]*-symbolic' || rig_fail "the icon has no symbolic name"
 program_wait "the mark alone" rig_not badge_is_wide 30
 panel_has '#FFFFFF' || panel_has '#EEEEEC' || panel_has '#FEFEFE' || rig_fail "the mark is not in the panel's foreground"
-keep "$RIG/now.png" symbolic.png
+keep xfce-symbolic.png "$RIG/now.png"
 menu_choose "$(find_item)" "Preferences…"
 program_wait "a badge with a figure" program_shows_on window
 program_wait "the figure" badge_is_wide 30

@@ -1,19 +1,17 @@
 // Writes sheets of all marks and symbols: MarksGallery FOLDER. marks-LOOK-SCALEx.png has the marks in colour and in one
-// colour at the sizes where they stand, LOOK being light or dark; marks-LOOK-zoom.png has their smallest, enlarged
+// colour at the sizes where they stand, LOOK being light or dark; marks-zoom-LOOK-1x.png has their smallest, enlarged
 // pixel by pixel.
 
 #include "Design/ChainGlyph.h"
 #include "Design/ChainIcon.h"
 #include "Design/DesignSystem.h"
 #include "Design/Symbols.h"
+#include "Gallery/Gallery.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QImage>
 #include <QPainter>
 
 #include <array>
-#include <cstdio>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -82,35 +80,25 @@ QImage sheet(const QList<Row>& rows, int scale) {
     return image;
 }
 
-bool save(const QImage& image, const QDir& folder, const QString& name) {
-    if (image.save(folder.filePath(name)))
-        return true;
-    std::fprintf(stderr, "MarksGallery: cannot write %s\n", qUtf8Printable(folder.filePath(name)));
-    return false;
-}
-
 bool writeSheets(const QDir& folder, const QString& look) {
     bool ok = true;
     for (const int scale : {1, 2, 3})
-        ok &= save(sheet(rowsOf({15, 24, 52}), scale), folder, u"marks-%1-%2x.png"_s.arg(look).arg(scale));
+        ok &= sheet(rowsOf({15, 24, 52}), scale).save(folder.filePath(u"marks-%1-%2x.png"_s.arg(look).arg(scale)));
     const QImage smallest = sheet(rowsOf({12, 15}), 1);
-    return save(smallest.scaled(smallest.size() * 5), folder, u"marks-%1-zoom.png"_s.arg(look)) && ok;
+    QImage zoom = smallest.scaled(smallest.size() * 5);
+    zoom.setText(u"Description"_s, u"The smallest, pixel by pixel"_s);
+    return zoom.save(folder.filePath(u"marks-zoom-%1-1x.png"_s.arg(look))) && ok;
+}
+
+bool writeAll(const QDir& folder) {
+    setCurrentAppearance(Appearance::light);
+    const bool ok = writeSheets(folder, u"light"_s);
+    setCurrentAppearance(Appearance::dark);
+    return writeSheets(folder, u"dark"_s) && ok;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        std::fputs("Use: MarksGallery FOLDER\n", stderr);
-        return 2;
-    }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    setCurrentAppearance(Appearance::light);
-    bool ok = writeSheets(folder, u"light"_s);
-    setCurrentAppearance(Appearance::dark);
-    ok &= writeSheets(folder, u"dark"_s);
-    return ok ? 0 : 1;
+    return Gallery::run(argc, argv, "MarksGallery", writeAll);
 }

@@ -1,18 +1,16 @@
 // Writes pictures of the popover in all its states: PopoverGallery FOLDER [STATE...]. popover-STATE-LOOK-SCALEx.png,
-// LOOK being light or dark. The fonts are the desktop's.
+// LOOK being light or dark. Each says what it shows.
 
 #include "Design/DesignSystem.h"
+#include "Gallery/Gallery.h"
 #include "Support/PopoverScene.h"
 #include "Views/L2Row.h"
 #include "Views/PopoverView.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QImage>
 #include <QLocale>
 #include <QPainter>
 
-#include <cstdio>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -22,6 +20,7 @@ namespace {
 
 struct State {
     const char* name;
+    const char* caption;
     std::function<void(PopoverScene&)> prepare;
     std::function<void(PopoverView&)> touch = [](PopoverView&) {};
 };
@@ -79,33 +78,37 @@ void estrange(Snapshot& snapshot) {
 }
 
 const QList<State> states{
-    {"usual", [](PopoverScene&) {}},
-    {"touched", [](PopoverScene&) {}, touchRows},
-    {"ethereum", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::ethereum(); }},
-    {"loading",
+    {"usual", "A usual hour, the badge follows Arbitrum", [](PopoverScene&) {}},
+    {"touched", "A row under the pointer, one just copied, one with the keyboard", [](PopoverScene&) {}, touchRows},
+    {"ethereum", "The badge follows Ethereum",
+     [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::ethereum(); }},
+    {"loading", "Before the first document",
      [](PopoverScene& scene) {
          scene.store.snapshot = std::nullopt;
          scene.store.lastUpdated = std::nullopt;
      }},
-    {"old",
+    {"old", "Nothing new for 47 minutes",
      [](PopoverScene& scene) {
          scene.store.lastUpdated = PopoverScene::now().addSecs(-47 * 60);
          scene.store.ethereumBlockNumber = std::nullopt;
      }},
-    {"no-time", [](PopoverScene& scene) { scene.store.lastUpdated = std::nullopt; }},
-    {"no-history", [](PopoverScene& scene) { scene.change(forgetHistories); }},
-    {"all-off", switchAllOff},
-    {"chain-missing", [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::l2(u"Nowhere"_s); }},
-    {"sixty", [](PopoverScene& scene) { scene.change([](Snapshot& it) { it.l2 = SampleSnapshot::networks(60); }); }},
-    {"long-names",
+    {"no-time", "Figures of an unknown time", [](PopoverScene& scene) { scene.store.lastUpdated = std::nullopt; }},
+    {"no-history", "No histories", [](PopoverScene& scene) { scene.change(forgetHistories); }},
+    {"all-off", "Every network switched off", switchAllOff},
+    {"chain-missing", "The badge follows a network that the document does not have",
+     [](PopoverScene& scene) { scene.settings.badgeChain = BadgeChain::l2(u"Nowhere"_s); }},
+    {"sixty", "Sixty networks",
+     [](PopoverScene& scene) { scene.change([](Snapshot& it) { it.l2 = SampleSnapshot::networks(60); }); }},
+    {"long-names", "Long names",
      [](PopoverScene& scene) {
          scene.change(lengthenNames);
          scene.settings.badgeChain = BadgeChain::l2(scene.store.snapshot.value()->l2.first().name);
      }},
-    {"usd", [](PopoverScene& scene) { scene.settings.denom = Denomination::usd; }},
-    {"german", [](PopoverScene&) { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }},
-    {"tiny", [](PopoverScene& scene) { scene.change(shrinkFigures); }},
-    {"strange", [](PopoverScene& scene) { scene.change(estrange); }},
+    {"usd", "In US dollars", [](PopoverScene& scene) { scene.settings.denom = Denomination::usd; }},
+    {"german", "Numbers as in Germany",
+     [](PopoverScene&) { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }},
+    {"tiny", "Very low prices", [](PopoverScene& scene) { scene.change(shrinkFigures); }},
+    {"strange", "What no relay should send", [](PopoverScene& scene) { scene.change(estrange); }},
 };
 
 /// The view on a window's ground, upon something of a desktop.
@@ -149,8 +152,20 @@ bool write(const State& state, const QDir& folder) {
             const QString name = u"popover-%1-%2-%3x.png"_s.arg(QLatin1StringView(state.name),
                                                                 look == Appearance::light ? u"light"_s : u"dark"_s,
                                                                 QString::number(scale));
-            ok &= picture(view, scale).save(folder.filePath(name));
+            QImage image = picture(view, scale);
+            image.setText(u"Description"_s, QLatin1StringView(state.caption));
+            ok &= image.save(folder.filePath(name));
         }
+    }
+    return ok;
+}
+
+bool writeAll(const QDir& folder) {
+    const QStringList wanted = QApplication::arguments().mid(2);
+    bool ok = true;
+    for (const State& state : states) {
+        if (wanted.isEmpty() || wanted.contains(QLatin1StringView(state.name)))
+            ok &= write(state, folder);
     }
     return ok;
 }
@@ -158,20 +173,5 @@ bool write(const State& state, const QDir& folder) {
 } // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        std::fputs("Use: PopoverGallery FOLDER [STATE...]\n", stderr);
-        return 2;
-    }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    const QStringList wanted = QApplication::arguments().mid(2);
-    bool ok = true;
-    for (const State& state : states) {
-        if (wanted.isEmpty() || wanted.contains(QLatin1StringView(state.name)))
-            ok &= write(state, folder);
-    }
-    if (!ok)
-        std::fputs("PopoverGallery: a picture could not be written\n", stderr);
-    return ok ? 0 : 1;
+    return Gallery::run(argc, argv, "PopoverGallery", writeAll);
 }

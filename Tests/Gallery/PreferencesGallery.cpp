@@ -1,12 +1,12 @@
+// Writes pictures of the preferences in all their states: PreferencesGallery FOLDER. preferences-STATE-LOOK-SCALEx.png,
+// LOOK being light or dark.
+
 #include "Design/Theme.h"
+#include "Gallery/Gallery.h"
 #include "TorvaneKitTests/Views/PreferencesFixture.h"
 #include "Views/ChainPicker.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
-#include <QDir>
-
-#include <cstdio>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -14,19 +14,17 @@ using Section = PreferencesView::Section;
 
 namespace {
 
-bool save(QWidget& widget, const QDir& folder, const QString& name) {
-    if (widget.grab().save(folder.filePath(name)))
-        return true;
-    std::fprintf(stderr, "PreferencesGallery: cannot write %s\n", qUtf8Printable(folder.filePath(name)));
-    return false;
+bool save(QWidget& widget, const QDir& folder, const QString& subject) {
+    const QString name = u"%1-%2x.png"_s.arg(subject).arg(widget.devicePixelRatio());
+    return widget.grab().save(folder.filePath(name));
 }
 
 bool savePanels(PreferencesFixture& user, const QDir& folder, const QString& look) {
     bool ok = true;
     for (const Section section : allCases<Section>()) {
         user.go(section);
-        const QString panel = QString(rawValue(section)).toLower().remove(u' ');
-        ok &= save(*user.view, folder, u"preferences-%1-%2.png"_s.arg(look, panel));
+        const QString panel = QString(rawValue(section)).toLower().replace(u' ', u'-');
+        ok &= save(*user.view, folder, u"preferences-%1-%2"_s.arg(panel, look));
     }
     return ok;
 }
@@ -36,15 +34,15 @@ bool savePicker(PreferencesFixture& user, const QDir& folder, const QString& loo
     user.go(Section::menuBar);
     auto* picker = user.control<ChainPicker>(u"Chain"_s);
     picker->showPopup();
-    bool ok = save(*picker->view()->window(), folder, u"preferences-%1-list.png"_s.arg(look));
+    bool ok = save(*picker->view()->window(), folder, u"preferences-list-%1"_s.arg(look));
     picker->hidePopup();
     QTest::keyClick(user.view->focusWidget(), Qt::Key_Tab);
-    ok &= save(*user.view, folder, u"preferences-%1-focus.png"_s.arg(look));
+    ok &= save(*user.view, folder, u"preferences-focus-%1"_s.arg(look));
     QTest::keyClick(picker, Qt::Key_Tab);
-    return save(*user.view, folder, u"preferences-%1-focus-switch.png"_s.arg(look)) && ok;
+    return save(*user.view, folder, u"preferences-focus-switch-%1"_s.arg(look)) && ok;
 }
 
-bool saveAll(Appearance appearance, const QDir& folder) {
+bool savePictures(Appearance appearance, const QDir& folder) {
     setCurrentAppearance(appearance);
     QApplication::setPalette(widgetPalette(appearance));
     const QString look = appearance == Appearance::dark ? u"dark"_s : u"light"_s;
@@ -58,19 +56,13 @@ bool saveAll(Appearance appearance, const QDir& folder) {
     return savePicker(user, folder, look) && ok;
 }
 
+bool writeAll(const QDir& folder) {
+    const bool ok = savePictures(Appearance::light, folder);
+    return savePictures(Appearance::dark, folder) && ok;
+}
+
 } // namespace
 
-/// Fonts and scale are the environment's: FONTCONFIG_FILE, QT_SCALE_FACTOR.
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication::setStyle(u"fusion"_s);
-    const QApplication application(argc, argv);
-    if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        std::fputs("Use: PreferencesGallery FOLDER\n", stderr);
-        return 2;
-    }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    const bool ok = saveAll(Appearance::light, folder);
-    return saveAll(Appearance::dark, folder) && ok ? 0 : 1;
+    return Gallery::run(argc, argv, "PreferencesGallery", writeAll);
 }

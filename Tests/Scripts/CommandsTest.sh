@@ -17,7 +17,7 @@ makeAloneShowsTheList() {
 helpListsEveryGoalWithWhatItDoes() {
     local goal
     run make -C "$tree" help
-    for goal in run demo test soak bench fuzz format check clean help; do
+    for goal in run demo install uninstall package test soak bench fuzz tsan valgrind coverage screenshots format check clean help; do
         grep -qx "$goal" <<<"$(goals)" || fail "$goal is no goal"
     done
     for goal in $(goals); do
@@ -25,9 +25,9 @@ helpListsEveryGoalWithWhatItDoes() {
     done
 }
 
-everyGoalButCleanAndCheckInstallsWhatItNeedsFirst() {
+everyGoalThatBuildsInstallsWhatItNeedsFirst() {
     local goal
-    for goal in run demo test soak bench fuzz format; do
+    for goal in run demo install package test soak bench fuzz tsan valgrind coverage screenshots format; do
         run make --no-print-directory -n -C "$tree" "$goal"
         expect_status 0
         [[ $output == scripts/install-dependencies\ * ]] ||
@@ -89,7 +89,7 @@ everyScriptShowsItsUse() {
 shellcheckHasNothingToSay() {
     local scripts
     cd "$tree"
-    mapfile -t scripts < <(grep -rlE '^#!.*sh$|^# shellcheck shell=' .ci scripts Sources Tests)
+    mapfile -t scripts < <(grep -rlE '^#!.*sh$|^# shellcheck shell=' .ci scripts Packaging Sources Tests)
     [ ${#scripts[@]} -gt 10 ] || fail "there are more scripts than these: ${scripts[*]}"
     run shellcheck --external-sources --source-path=SCRIPTDIR "${scripts[@]}"
     expect_output ''

@@ -84,7 +84,7 @@ nothingMissingIsSilentAndCallsNothing() {
     machine 1000
     everything_installed_but none
     local group
-    for group in run demo test bench fuzz format develop; do
+    for group in run demo test bench fuzz valgrind coverage format develop; do
         install_dependencies "$group"
         expect_status 0
         expect_output ''

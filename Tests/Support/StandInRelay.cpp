@@ -6,6 +6,8 @@
 #include "Support/StandInNodes.h"
 
 #include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
 #include <QTimer>
 
 #include <charconv>
@@ -82,24 +84,38 @@ void StandInRelay::listen(const QString& certificate, quint16 port) {
     m_server->on("/snapshot.json", [this](const StandInRequest& request) { return answerSnapshot(request); });
     m_server->on("/control", [this](const StandInRequest& request) { return answerControl(request.body.trimmed()); });
     listenForNodes();
+    listenForUpdates();
+}
+
+void StandInRelay::listenForUpdates() {
+    if (m_published.isEmpty())
+        return; // An empty path would be the current folder.
+    for (const QString& name : QDir(m_published).entryList(QDir::Files)) {
+        const QByteArray path = "/torvane/" + QFile::encodeName(name);
+        m_server->on(path, [this](const StandInRequest& request) { return answerUpdate(request); });
+    }
 }
 
 void StandInRelay::listenForNodes() {
     m_server->on("/", [this](const StandInRequest& request) {
-        return answerNode(request, StandInNodes::ethereum(request.body, Clock::now(), m_baseFee));
+        return answerNode(request, StandInNodes::ethereum(request.body, marketTime(), m_baseFee));
     });
     for (const L2Entry& entry : SimulatedMarket::at(Clock::now()).l2) {
         const auto answerNetwork = [this, name = entry.name](const StandInRequest& request) {
-            const std::optional<double> price = SimulatedMarket::gasPrice(name, Clock::now());
+            const std::optional<double> price = SimulatedMarket::gasPrice(name, marketTime());
             return price ? answerNode(request, StandInNodes::l2(request.body, *price)) : StandInAnswer::status(404);
         };
         m_server->on("/rpc/" + pathPart(entry.name).toLatin1(), answerNetwork);
     }
 }
 
-/// A document with an ordered base fee is one of its own, and stays until the next order.
+QDateTime StandInRelay::marketTime() const {
+    return m_moment.value_or(Clock::now());
+}
+
+/// A document with an ordered base fee, or of an ordered moment, is one of its own, and stays until the next order.
 QDateTime StandInRelay::documentTime() const {
-    if (m_baseFee)
+    if (m_baseFee || m_moment)
         return m_orderedAt;
     const qint64 seconds = Clock::now().toSecsSinceEpoch();
     return QDateTime::fromSecsSinceEpoch(seconds - seconds % secondsPerDocument, Qt::UTC);
@@ -107,7 +123,8 @@ QDateTime StandInRelay::documentTime() const {
 
 Snapshot StandInRelay::document() const {
     const QDateTime time = documentTime();
-    Snapshot snapshot = SimulatedMarket::at(time);
+    Snapshot snapshot = SimulatedMarket::at(m_moment.value_or(time));
+    snapshot.generatedAt = time.toUTC().toString(Qt::ISODateWithMs);
     for (L2Entry& entry : snapshot.l2) {
         if (SimulatedMarket::gasPrice(entry.name, time))
             entry.rpc = {m_server->url(QStringLiteral("/rpc/") + pathPart(entry.name)).toString()};
@@ -124,6 +141,15 @@ Snapshot StandInRelay::document() const {
 StandInAnswer StandInRelay::answerSnapshot(const StandInRequest& request) const {
     const QByteArray body = JSON::encode(document());
     return m_kind == "normal" ? asFile(body, request) : misbehaving(m_kind, body);
+}
+
+StandInAnswer StandInRelay::answerUpdate(const StandInRequest& request) const {
+    const QString name = QFile::decodeName(request.target.mid(request.target.lastIndexOf('/') + 1));
+    QFile file(QDir(m_published).filePath(name));
+    if (!file.open(QIODevice::ReadOnly))
+        return StandInAnswer::status(404);
+    const QByteArray body = file.readAll();
+    return m_updatesKind == "normal" ? StandInAnswer::ok(body) : misbehaving(m_updatesKind, body);
 }
 
 StandInAnswer StandInRelay::answerNode(const StandInRequest& request, const QByteArray& body) const {
@@ -144,8 +170,16 @@ StandInAnswer StandInRelay::answerControl(const QByteArray& order) {
 bool StandInRelay::obeys(const QByteArray& name, const QByteArray& value) {
     if (name == "baseFee")
         return setBaseFee(value);
+    if (name == "moment")
+        return setMoment(value);
     if (name == "certificate")
         return setCertificate(value);
+    if (name == "publish")
+        return publish(value);
+    if (name == "updates" && isKind(value)) {
+        m_updatesKind = value;
+        return true;
+    }
     if (name == "nodes" && (isKind(value) || value == "error")) {
         m_nodesKind = value;
         return true;
@@ -163,6 +197,25 @@ bool StandInRelay::setBaseFee(const QByteArray& value) {
         return false;
     m_baseFee = fee;
     m_orderedAt = Clock::now();
+    return true;
+}
+
+bool StandInRelay::setMoment(const QByteArray& value) {
+    const QDateTime moment = QDateTime::fromString(QString::fromLatin1(value), Qt::ISODate);
+    // A time of day without its offset would be this machine's.
+    if (!value.isEmpty() && (!moment.isValid() || moment.timeSpec() == Qt::LocalTime))
+        return false;
+    m_moment = value.isEmpty() ? std::nullopt : std::optional(moment);
+    m_orderedAt = Clock::now();
+    return true;
+}
+
+bool StandInRelay::publish(const QByteArray& folder) {
+    const QString path = QFile::decodeName(folder);
+    if (!QDir(path).isAbsolute() || !QDir(path).exists())
+        return false;
+    m_published = path;
+    listenForUpdates();
     return true;
 }
 

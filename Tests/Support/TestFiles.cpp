@@ -1,5 +1,7 @@
 #include "Support/TestFiles.h"
 
+#include "Support/Worker.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -16,6 +18,11 @@ void put(const QString& path, const QByteArray& bytes) {
 QByteArray contentOf(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArrayLiteral("cannot be opened");
+}
+
+QByteArray contentOnceWritten(const QString& path) {
+    worker().waitForDone();
+    return contentOf(path);
 }
 
 QStringList entriesOf(const QString& directory) {

@@ -13,6 +13,9 @@ void put(const QString& path, const QByteArray& bytes);
 /// The file's bytes, or a text that says that it cannot be opened.
 QByteArray contentOf(const QString& path);
 
+/// The same once the worker has written all that it was given.
+QByteArray contentOnceWritten(const QString& path);
+
 /// The sorted names of all that stands in a directory, hidden or not.
 QStringList entriesOf(const QString& directory);
 

@@ -30,7 +30,7 @@ class PopoverScrollTest final : public QObject {
     void open(int height) {
         auto content = std::make_unique<SizedContent>(height);
         m_content = content.get();
-        m_window = std::make_unique<PopoverWindow>(std::move(content), m_badge, area());
+        m_window = std::make_unique<PopoverWindow>(std::move(content), m_badge, area(), X11::Desktop());
         m_window->open();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }

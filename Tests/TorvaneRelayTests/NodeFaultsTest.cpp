@@ -1,55 +1,14 @@
 #include "NodeFaults.h"
 
-#include "Reading.h"
-#include "ReadingFigures.h"
-#include "StandInWorld.h"
-#include "Support/Await.h"
-#include "Support/TestConfig.h"
-
-#include <QLoggingCategory>
-#include <QTest>
+#include "ReadingFixture.h"
 
 using namespace torvane;
 
-namespace {
-
-constexpr RequestGate::Limits wide{20, 20, 1e6};
-
-} // namespace
-
-/// All that is read, against nodes that answer what is easy to work out, and every fault of real nodes at every
-/// question.
-class NodeFaultsTest final : public QObject {
+/// Every fault of real nodes at every question.
+class NodeFaultsTest final : public ReadingFixture {
     Q_OBJECT
 
-    std::unique_ptr<StandInWorld> m_world;
-    std::unique_ptr<StandInWorld> m_second; // The fallbacks.
-
-    Reading read(const RelayTable& table) const {
-        RequestGate gate(wide);
-        return await(readAll(gate, table, StandInWorld::now()));
-    }
-
-    RelayTable ethereumAlone() const {
-        RelayTable table = m_world->table();
-        table.networks.clear();
-        return table;
-    }
-
-    NetworkReading readRow(const RelayTable::Network& network) const {
-        RequestGate gate(wide);
-        return await(readNetwork(gate, network));
-    }
-
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
-
-    void init() {
-        TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
-        m_world = std::make_unique<StandInWorld>();
-        m_second = std::make_unique<StandInWorld>();
-    }
-
     void aFaultAtOneQuestionToEthereumCostsItsFigureAlone_data() { addQuestions({QStringLiteral("Ethereum")}); }
 
     void aFaultAtOneQuestionToEthereumCostsItsFigureAlone() {

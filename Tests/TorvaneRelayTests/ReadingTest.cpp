@@ -1,42 +1,13 @@
-#include "Reading.h"
-
-#include "ReadingFigures.h"
-#include "StandInWorld.h"
-#include "Support/Await.h"
-#include "Support/TestConfig.h"
-
-#include <QLoggingCategory>
-#include <QTest>
+#include "ReadingFixture.h"
 
 #include <cmath>
 #include <limits>
 
 using namespace torvane;
 
-namespace {
-
-constexpr RequestGate::Limits wide{20, 20, 1e6};
-
-} // namespace
-
-/// All that is read, against nodes that answer what is easy to work out, and every fault of real nodes at every
-/// question.
-class ReadingTest final : public QObject {
+/// All that is read, against nodes that answer what is easy to work out.
+class ReadingTest final : public ReadingFixture {
     Q_OBJECT
-
-    std::unique_ptr<StandInWorld> m_world;
-    std::unique_ptr<StandInWorld> m_second; // The fallbacks.
-
-    Reading read(const RelayTable& table) const {
-        RequestGate gate(wide);
-        return await(readAll(gate, table, StandInWorld::now()));
-    }
-
-    RelayTable ethereumAlone() const {
-        RelayTable table = m_world->table();
-        table.networks.clear();
-        return table;
-    }
 
     RelayTable ethereumWithoutStaking() const {
         RelayTable table = ethereumAlone();
@@ -44,20 +15,7 @@ class ReadingTest final : public QObject {
         return table;
     }
 
-    NetworkReading readRow(const RelayTable::Network& network) const {
-        RequestGate gate(wide);
-        return await(readNetwork(gate, network));
-    }
-
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("org.velisk.Torvane.net.info=false")); }
-
-    void init() {
-        TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
-        m_world = std::make_unique<StandInWorld>();
-        m_second = std::make_unique<StandInWorld>();
-    }
-
     void everyFigureOfEthereumIsTheOneWorkedOutByHand() {
         const RelayTable table = ethereumAlone();
         const Reading reading = read(table);

@@ -5,6 +5,13 @@
 #include <dlfcn.h>
 #include <type_traits>
 
+/// Asked by GnuTLS as it is loaded: it does not begin by itself. This is its documented switch, which a program has by
+/// defining this function (GNUTLS_SKIP_GLOBAL_INIT); the linker is told to export it. libcurl brings GnuTLS along for
+/// LDAP and RTMP, which nothing here speaks, and both begin it themselves. Unbegun, it takes a megabyte less.
+extern "C" int _gnutls_global_init_skip() {
+    return 1;
+}
+
 namespace torvane {
 
 namespace {

@@ -27,11 +27,29 @@ GasData merged(GasData gas, const LiveGasQuote& live, double ethPrice) {
     return gas;
 }
 
-/// The first quote for the network of this name.
-const LiveL2Quote* quoteFor(const QString& name, const QList<LiveL2Quote>& quotes) {
-    const auto found =
-        std::find_if(quotes.cbegin(), quotes.cend(), [&name](const LiveL2Quote& quote) { return quote.name == name; });
+/// The first quote for the network of this name. Views, since Qt 6.4 compares two QString for their order, not for
+/// equality alone.
+const LiveL2Quote* quoteFor(QStringView name, const QList<LiveL2Quote>& quotes) {
+    const auto found = std::find_if(quotes.cbegin(), quotes.cend(),
+                                    [name](const LiveL2Quote& quote) { return QStringView(quote.name) == name; });
     return found == quotes.cend() ? nullptr : &*found;
+}
+
+/// The list is copied while it is searched, though nothing may be found: the names of many networks lie on as many
+/// pages of memory, and to visit these once more takes longer. The histories inside stay shared.
+QList<L2Entry> merged(const QList<L2Entry>& networks, const QList<LiveL2Quote>& quotes) {
+    QList<L2Entry> result;
+    result.reserve(networks.size());
+    bool isChanged = false;
+    for (const L2Entry& network : networks) {
+        L2Entry& copy = result.emplaceBack(network);
+        const LiveL2Quote* quote = quoteFor(network.name, quotes);
+        if (!quote)
+            continue;
+        copy.costGwei = quote->gasPriceGwei;
+        isChanged = true;
+    }
+    return isChanged ? result : networks;
 }
 
 } // namespace
@@ -41,13 +59,8 @@ Snapshot mergeSnapshot(const Snapshot& relay, const std::optional<LiveGasQuote>&
     Snapshot result = relay;
     if (ethereum)
         result.gas = merged(relay.gas, *ethereum, relay.price.eth);
-    if (l2.isEmpty())
-        return result;
-    for (qsizetype i = 0; i < relay.l2.size(); ++i) {
-        // Only the first match makes the list a copy of its own; the histories inside stay shared even then.
-        if (const LiveL2Quote* quote = quoteFor(relay.l2[i].name, l2))
-            result.l2[i].costGwei = quote->gasPriceGwei;
-    }
+    if (!l2.isEmpty())
+        result.l2 = merged(relay.l2, l2);
     return result;
 }
 

@@ -20,6 +20,16 @@ bool isUsable(const QString& path) {
     return !path.isEmpty() && file.isFile() && file.isReadable() && file.size() > 0;
 }
 
+/// Not by a filter for names, since Qt makes a regular expression of it, whose engine nothing else here needs.
+bool hasHashedLinks(const QString& directory) {
+    QDirIterator files(directory, QDir::Files);
+    while (files.hasNext()) {
+        if (files.next().endsWith(QLatin1StringView(".0")))
+            return true;
+    }
+    return false;
+}
+
 QByteArray contents(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -34,8 +44,7 @@ bool isByte(QStringView text) {
 } // namespace
 
 SystemStore systemStore(const QString& directory) {
-    QDirIterator links(directory, {QStringLiteral("*.0")}, QDir::Files);
-    if (links.hasNext())
+    if (hasHashedLinks(directory))
         return {.folder = QFile::encodeName(directory), .file = {}};
     const QString bundle = directory + QStringLiteral("/ca-certificates.crt");
     return {.folder = {}, .file = isUsable(bundle) ? QFile::encodeName(bundle) : QByteArray()};

@@ -1,5 +1,6 @@
 #include "Coordination/Notifications.h"
 
+#include "Model/ApplicationId.h"
 #include "Model/Format.h"
 #include "Platform/UserNotificationCenter.h"
 
@@ -12,7 +13,7 @@ namespace torvane {
 namespace {
 
 UserNotificationCenter notificationCenter() {
-    return {QDBusConnection::sessionBus(), {u"velisk"_s, u"org.velisk.Torvane"_s}, notificationRoute()};
+    return {QDBusConnection::sessionBus(), {u"velisk"_s, applicationId}, notificationRoute()};
 }
 
 } // namespace

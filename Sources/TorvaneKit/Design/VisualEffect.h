@@ -32,7 +32,8 @@ class VisualEffect final : public QWidget {
 public:
     /// A backdrop that lets through what lies behind makes its window translucent, where that shows: before the window
     /// is first shown.
-    VisualEffect(Material material, BlendingMode blendingMode, QWidget* parent);
+    VisualEffect(Material material, BlendingMode blendingMode, QWidget* parent,
+                 const X11::Compositing& compositing = X11::compositing());
 
     Material material() const { return m_material; }
     BlendingMode blendingMode() const { return m_blendingMode; }
@@ -48,7 +49,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void adapt();
+    void adapt(const X11::Compositing& compositing);
     void shapeWindow();
 
     Material m_material;

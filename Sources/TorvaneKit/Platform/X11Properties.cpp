@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -75,6 +76,29 @@ struct DockQuestion {
     xcb_translate_coordinates_cookie_t origin;
 };
 
+X11::Compositing compositingOf(xcb_get_selection_owner_cookie_t ownerQuestion,
+                               xcb_list_properties_cookie_t listQuestion) {
+    const auto owner = owned(xcb_get_selection_owner_reply(connection(), ownerQuestion, nullptr));
+    const auto list = owned(xcb_list_properties_reply(connection(), listQuestion, nullptr));
+    if (!owner || owner->owner == XCB_WINDOW_NONE || !list)
+        return {};
+    const xcb_atom_t* first = xcb_list_properties_atoms(list.get());
+    const xcb_atom_t* last = first + xcb_list_properties_atoms_length(list.get());
+    return {true, std::find(first, last, atom("_KDE_NET_WM_BLUR_BEHIND_REGION")) != last};
+}
+
+/// The name that a window manager has written upon its window; the next one has another window.
+QString nameOf(xcb_window_t manager) {
+    static xcb_window_t known = XCB_WINDOW_NONE;
+    static QString name;
+    if (manager == known)
+        return name;
+    const auto reply = owned(xcb_get_property_reply(connection(), askForProperty(manager, "_NET_WM_NAME"), nullptr));
+    name = reply ? QString::fromUtf8(bytes(*reply)) : QString();
+    known = name.isEmpty() ? xcb_window_t{XCB_WINDOW_NONE} : manager;
+    return name;
+}
+
 void setNumbers(WId window, QByteArrayView property, xcb_atom_t type, const std::vector<quint32>& values) {
     xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window), atom(property), type,
                         32, static_cast<quint32>(values.size()), values.data());
@@ -91,28 +115,31 @@ bool X11::knowsThePointer() {
 }
 
 X11::Compositing X11::compositing() {
-    if (!isRunning())
-        return {};
-    const auto ownerQuestion = xcb_get_selection_owner(connection(), atom("_NET_WM_CM_S0"));
-    const auto listQuestion = xcb_list_properties(connection(), root());
-    const auto owner = owned(xcb_get_selection_owner_reply(connection(), ownerQuestion, nullptr));
-    const auto list = owned(xcb_list_properties_reply(connection(), listQuestion, nullptr));
-    if (!owner || owner->owner == XCB_WINDOW_NONE || !list)
-        return {};
-    const xcb_atom_t* first = xcb_list_properties_atoms(list.get());
-    const xcb_atom_t* last = first + xcb_list_properties_atoms_length(list.get());
-    return {true, std::find(first, last, atom("_KDE_NET_WM_BLUR_BEHIND_REGION")) != last};
+    return DesktopQuestion().answer().compositing;
 }
 
-QString X11::windowManagerName() {
+X11::DesktopQuestion::DesktopQuestion() {
     if (!isRunning())
+        return;
+    m_requests = {xcb_get_selection_owner(connection(), atom("_NET_WM_CM_S0")).sequence,
+                  xcb_list_properties(connection(), root()).sequence,
+                  askForProperty(root(), "_NET_SUPPORTING_WM_CHECK").sequence};
+    xcb_flush(connection());
+}
+
+/// What nobody took would be kept for good.
+X11::DesktopQuestion::~DesktopQuestion() {
+    for (const unsigned int request : m_requests)
+        xcb_discard_reply(connection(), request);
+}
+
+X11::Desktop X11::DesktopQuestion::answer() {
+    if (m_requests.isEmpty())
         return {};
-    const QList<quint32> window = numbers(askForProperty(root(), "_NET_SUPPORTING_WM_CHECK"));
-    if (window.isEmpty())
-        return {};
-    const auto question = askForProperty(window.first(), "_NET_WM_NAME");
-    const auto reply = owned(xcb_get_property_reply(connection(), question, nullptr));
-    return reply ? QString::fromUtf8(bytes(*reply)) : QString();
+    const QList<unsigned int> requests = std::exchange(m_requests, {});
+    const Compositing compositing = compositingOf({requests.at(0)}, {requests.at(1)});
+    const QList<quint32> manager = numbers({requests.at(2)});
+    return {manager.isEmpty() ? QString() : nameOf(manager.first()), compositing};
 }
 
 QList<X11::Dock> X11::docks() {
@@ -133,6 +160,13 @@ void X11::skipTaskbarAndPager(WId window) {
     if (isRunning())
         setNumbers(window, "_NET_WM_STATE", XCB_ATOM_ATOM,
                    {atom("_NET_WM_STATE_SKIP_TASKBAR"), atom("_NET_WM_STATE_SKIP_PAGER")});
+}
+
+bool X11::tellsOfWindowState(const void* event) {
+    const auto* changed = static_cast<const xcb_property_notify_event_t*>(event);
+    constexpr int kind = 0x7f; // Without the bit that says that another client sent it.
+    return (changed->response_type & kind) == XCB_PROPERTY_NOTIFY &&
+           (changed->atom == atom("_NET_WM_STATE") || changed->atom == atom("WM_STATE"));
 }
 
 void X11::setBlurBehind(WId window, const QRegion& part) {

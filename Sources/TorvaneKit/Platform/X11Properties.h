@@ -27,8 +27,26 @@ struct Compositing {
 
 Compositing compositing();
 
-/// The name that the window manager gives itself, or empty.
-QString windowManagerName();
+/// What a window that is about to come up must know of the desktop.
+struct Desktop {
+    QString windowManagerName; ///< as the window manager calls itself; empty without one
+    Compositing compositing;
+};
+
+/// Asks the server at once and takes its answers when they are wanted: who has other work to do in between waits for
+/// nothing.
+class DesktopQuestion final {
+public:
+    DesktopQuestion();
+    ~DesktopQuestion();
+    Q_DISABLE_COPY_MOVE(DesktopQuestion)
+
+    /// Once.
+    Desktop answer();
+
+private:
+    QList<unsigned int> m_requests; // By their numbers in the connection, in the order of the answers.
+};
 
 /// A panel, or what else keeps an edge of a screen for itself.
 struct Dock {
@@ -42,6 +60,9 @@ QList<Dock> docks();
 
 /// Keeps the window out of taskbars and pagers. Has an effect before the window is first shown.
 void skipTaskbarAndPager(WId window);
+
+/// Whether an event of Qt's connection, as native event filters get it, tells that the state of a window has changed.
+bool tellsOfWindowState(const void* event);
 
 /// Asks for blur behind this part of the window; for none when it is empty.
 void setBlurBehind(WId window, const QRegion& part);

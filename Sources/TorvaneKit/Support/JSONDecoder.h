@@ -62,14 +62,15 @@ List readList(Value array) {
     qsizetype count = 0;
     for (Value element = array.first(); element != array.past(); element = element.next())
         ++count;
-    List list;
-    list.reserve(count);
-    Value element = array.first();
+    List list(count);
+    auto next = list.begin(); // Appending would ask for each element whether there is room.
     try {
-        for (; element != array.past(); element = element.next())
-            list.append(read<typename List::value_type>(element));
+        for (Value element = array.first(); element != array.past(); element = element.next()) {
+            *next = read<typename List::value_type>(element);
+            ++next;
+        }
     } catch (DecodingError& error) {
-        error.prepend(list.size());
+        error.prepend(next - list.begin());
         throw;
     }
     return list;

@@ -101,6 +101,8 @@ char* afterDigits(char* text) {
 }
 
 char* afterBlanks(char* text) {
+    if (*text > ' ')
+        return text; // As almost everywhere in a compact document.
     // A line end and its indentation, eight at a time; there is room behind the document.
     text += *text == '\n';
     while (std::memcmp(text, "        ", 8) == 0)

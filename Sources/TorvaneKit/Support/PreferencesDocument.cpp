@@ -7,6 +7,8 @@
 namespace torvane {
 
 std::optional<PreferencesDocument> PreferencesDocument::fromBytes(QByteArrayView bytes) {
+    if (bytes.isEmpty())
+        return std::nullopt; // As before the first setting was changed: the first error that is thrown is slow.
     try {
         PreferencesDocument document;
         document.m_members = JSON::members(bytes);

@@ -77,8 +77,9 @@ private:
         drawing.setRenderHint(QPainter::Antialiasing);
         draw(drawing, QRectF({}, size));
         drawing.end();
-        kept().insert(key, new QPixmap(drawn), static_cast<int>(look.width * look.height));
-        return drawn;
+        const QPixmap pixels = drawn.copy(); // What was drawn on keeps Qt's engine, which is larger than a mark.
+        kept().insert(key, new QPixmap(pixels), static_cast<int>(look.width * look.height));
+        return pixels;
     }
 
     QPixmap m_pixels;

@@ -27,6 +27,7 @@ double average(const QList<double>& values, double low, double high) {
 
 ChartView::ChartView(QSize chartSize, const QString& placeholder, QWidget* parent)
     : QWidget(parent)
+    , m_width(chartSize.width())
     , m_heading(new TextLine({Fonts::label(), Palette::ink3, lineHeight}))
     , m_caption(new TextLine({Fonts::label(), Palette::ink3, lineHeight, {}, Qt::AlignRight}))
     , m_sparkline(new Sparkline)
@@ -40,8 +41,8 @@ ChartView::ChartView(QSize chartSize, const QString& placeholder, QWidget* paren
 void ChartView::setChart(const QString& heading, const std::optional<ChartHistory>& history) {
     m_heading->setText(heading);
     m_caption->setText(history ? caption(*history) : QString(), history ? range(*history) : QString());
-    m_heading->setFixedWidth(std::min(m_heading->sizeHint().width(), m_placeholder->sizeHint().width() - columnGap -
-                                                                         m_caption->minimumSizeHint().width()));
+    m_heading->setFixedWidth(
+        std::min(m_heading->sizeHint().width(), m_width - columnGap - m_caption->minimumSizeHint().width()));
     m_heading->setVisible(!heading.isEmpty());
     m_caption->setVisible(!heading.isEmpty());
     m_sparkline->setSeries(heading, history ? history->values : QList<double>());

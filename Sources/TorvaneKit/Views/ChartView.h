@@ -28,6 +28,7 @@ public:
     static QString range(const ChartHistory& history);
 
 private:
+    int m_width;
     TextLine* m_heading;
     TextLine* m_caption;
     Sparkline* m_sparkline;

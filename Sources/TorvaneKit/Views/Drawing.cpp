@@ -1,6 +1,7 @@
 #include "Views/Drawing.h"
 
 #include "Design/DesignSystem.h"
+#include "Design/RoundedRectangle.h"
 
 #include <QPainter>
 #include <QWidget>
@@ -18,18 +19,12 @@ QColor shadow(double opacity) {
 }
 
 void drawRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill, const QColor& border) {
-    constexpr double inset = hairline / 2; // A stroke lies half to either side of its path.
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(fill);
-    painter.setPen(QPen(border, hairline));
-    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
+    constexpr double middle = hairline / 2; // The fill reaches half below the border, as below any stroke.
+    paintRoundedRectangle(painter, rect, radius, {{middle, 0, fill.rgba()}, {0, hairline, border.rgba()}});
 }
 
 void fillRoundedRect(QPainter& painter, const QRectF& rect, double radius, const QColor& fill) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(fill);
-    painter.drawRoundedRect(rect, radius, radius);
+    paintRoundedRectangle(painter, rect, radius, {{0, 0, fill.rgba()}});
 }
 
 void drawLine(QPainter& painter, const QRect& room, const QString& text, Qt::Alignment alignment) {

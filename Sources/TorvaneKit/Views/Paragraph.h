@@ -18,9 +18,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    const QList<TextRun>& lines() const;
+
     TextStyle m_style;
-    QList<TextRun> m_lines;
+    QString m_text;
     int m_width;
+    mutable QList<TextRun> m_lines; // None before they are needed: most paragraphs are never seen.
 };
 
 } // namespace torvane

@@ -24,38 +24,26 @@ constexpr int sidePadding = 24;
 constexpr int topPadding = 22;
 constexpr int dividerWidth = 1;
 
-QString symbolOf(Section section) {
-    switch (section) {
-    case Section::general:
-        return u"slider.horizontal.3"_s;
-    case Section::networks:
-        return u"square.stack.3d.up"_s;
-    case Section::menuBar:
-        return u"menubar.rectangle"_s;
-    case Section::alerts:
-        return u"bell"_s;
-    case Section::appearance:
-        return u"paintpalette"_s;
-    case Section::about:
-        return u"info.circle"_s;
-    }
-    Q_UNREACHABLE();
-}
+/// What stands of a section beside its name: in the sidebar, and below the panel's heading.
+struct SectionLook {
+    QString symbol;
+    QString subtitle;
+};
 
-QString subtitleOf(Section section) {
+SectionLook lookOf(Section section) {
     switch (section) {
     case Section::general:
-        return u"Startup, units, and how often gas refreshes."_s;
+        return {u"slider.horizontal.3"_s, u"Startup, units, and how often gas refreshes."_s};
     case Section::networks:
-        return u"Choose which chains show in the popover."_s;
+        return {u"square.stack.3d.up"_s, u"Choose which chains show in the popover."_s};
     case Section::menuBar:
-        return u"What the icon shows at the top of your screen."_s;
+        return {u"menubar.rectangle"_s, u"What the icon shows at the top of your screen."_s};
     case Section::alerts:
-        return u"Get notified when gas is cheap."_s;
+        return {u"bell"_s, u"Get notified when gas is cheap."_s};
     case Section::appearance:
-        return u"Theme and status colours."_s;
+        return {u"paintpalette"_s, u"Theme and status colours."_s};
     case Section::about:
-        return u"Version and software updates."_s;
+        return {u"info.circle"_s, u"Version and software updates."_s};
     }
     Q_UNREACHABLE();
 }
@@ -86,7 +74,7 @@ QScrollArea* scrollArea() {
 QWidget* panel(Section section, QWidget* content, int scrollBarWidth) {
     auto* title =
         new TextLabel(QString(rawValue(section)), Fonts::sans(22, QFont::DemiBold), Palette::ink, QAccessible::Heading);
-    auto* subtitle = new TextLabel(subtitleOf(section), Fonts::sans(12, QFont::Normal), Palette::ink3);
+    auto* subtitle = new TextLabel(lookOf(section).subtitle, Fonts::sans(12, QFont::Normal), Palette::ink3);
     subtitle->setContentsMargins(0, 3, 0, 16);
     auto* panel = new Panel(QString(rawValue(section)));
     auto* layout = new QVBoxLayout(panel);
@@ -109,7 +97,7 @@ PreferencesView::PreferencesView(SnapshotStore& store, AppSettings& settings, Up
     setFixedSize(contentSize);
     auto* sidebar = new Sidebar;
     for (const Section section : allCases<Section>())
-        sidebar->add(symbolOf(section), QString(rawValue(section)));
+        sidebar->add(lookOf(section).symbol, QString(rawValue(section)));
     sidebar->select(0);
     connect(sidebar, &Sidebar::chosen, this, [this](int index) { select(allCases<Section>()[std::size_t(index)]); });
     auto* layout = new QHBoxLayout(this);

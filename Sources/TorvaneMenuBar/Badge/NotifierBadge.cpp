@@ -1,11 +1,13 @@
 #include "Badge/NotifierBadge.h"
 
+#include "Model/ApplicationId.h"
+
 using namespace Qt::StringLiterals;
 
 namespace torvane {
 
 NotifierBadge::NotifierBadge(const QDBusConnection& bus)
-    : m_item(bus, u"org.velisk.Torvane"_s, u"ApplicationStatus"_s) {
+    : m_item(bus, applicationId, u"ApplicationStatus"_s) {
     connect(&m_item, &StatusNotifierItem::activated, this, &BadgeSurface::clicked);
     connect(&m_item, &StatusNotifierItem::menuEntryTriggered, this, [this](int entry) {
         if (const std::optional<BadgeCommand> command = badgeCommand(entry))

@@ -69,8 +69,8 @@ std::optional<QString> PanelIcons::put(const QByteArray& picture, QLatin1StringV
 /// Those of a process that was killed too.
 void PanelIcons::removeOthers() const {
     QDir folder(m_folder);
-    for (const QString& name : folder.entryList({prefix + u'*'}, QDir::Files)) {
-        if (name != m_current && name != m_previous && !isOfAnother(name))
+    for (const QString& name : folder.entryList(QDir::Files)) {
+        if (name.startsWith(prefix) && name != m_current && name != m_previous && !isOfAnother(name))
             folder.remove(name);
     }
 }

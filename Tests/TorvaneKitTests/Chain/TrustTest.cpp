@@ -4,6 +4,7 @@
 #include "TorvaneKitTests/Chain/Fetch.h"
 #include "TorvaneKitTests/Chain/StandInResolver.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -144,6 +145,9 @@ private Q_SLOTS:
         QVERIFY(TrustStore::systemStore(directory.path()).file.isEmpty());
         write(directory.filePath(QStringLiteral("ca-certificates.crt")), "bundle");
         QCOMPARE(TrustStore::systemStore(directory.path()).file, folder + "/ca-certificates.crt");
+        QVERIFY(TrustStore::systemStore(directory.path()).folder.isEmpty());
+        QVERIFY(QDir(directory.path()).mkdir(QStringLiteral("certificates.0"))); // Not a link to one.
+        write(directory.filePath(QStringLiteral("authority.0.pem")), "certificate");
         QVERIFY(TrustStore::systemStore(directory.path()).folder.isEmpty());
         write(directory.filePath(QStringLiteral("deadbeef.0")), "link");
         QCOMPARE(TrustStore::systemStore(directory.path()).folder, folder);

@@ -1,10 +1,8 @@
 #include "Platform/ColorScheme.h"
 
 #include "Support/PrivateBus.h"
+#include "Support/StandInPortal.h"
 
-#include <QDBusError>
-#include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <QGuiApplication>
 #include <QSignalSpy>
 #include <QTest>
@@ -13,72 +11,6 @@ using namespace torvane;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QString portalName = u"org.freedesktop.portal.Desktop"_s;
-const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-const QString settingsInterface = u"org.freedesktop.portal.Settings"_s;
-const QString appearanceGroup = u"org.freedesktop.appearance"_s;
-
-QVariant inVariant(const QVariant& value) {
-    return QVariant::fromValue(QDBusVariant(value));
-}
-
-QVariant twiceInVariant(uint value) {
-    return inVariant(inVariant(value));
-}
-
-/// The desktop's portal, with its settings alone, on a connection of its own as another process would be.
-class StandInPortal final : public QDBusVirtualObject {
-public:
-    explicit StandInPortal(PrivateBus& bus)
-        : m_bus(bus)
-        , m_connection(bus.connect()) {
-        m_connection.registerVirtualObject(portalPath, this);
-    }
-
-    ~StandInPortal() override { m_bus.close(m_connection); }
-
-    /// What Read answers; an error when it is invalid.
-    QVariant scheme;
-    bool answers = true;
-    QList<QVariantList> questions;
-
-    bool appear() { return m_connection.registerService(portalName); }
-    bool disappear() { return m_connection.unregisterService(portalName); }
-
-    void announce(const QString& group, const QString& key, const QVariant& value) {
-        QDBusMessage signal = QDBusMessage::createSignal(portalPath, settingsInterface, u"SettingChanged"_s);
-        signal.setArguments({group, key, value});
-        m_connection.send(signal);
-    }
-
-    void announce(uint value) { announce(appearanceGroup, u"color-scheme"_s, inVariant(value)); }
-
-    void answerNoted() {
-        for (const QDBusMessage& call : std::exchange(m_noted, {}))
-            m_connection.send(call.createReply(scheme));
-    }
-
-    QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        if (message.interface() != settingsInterface || message.member() != "Read"_L1)
-            return false;
-        questions.append(message.arguments());
-        if (!answers)
-            m_noted.append(message);
-        else if (scheme.isValid())
-            connection.send(message.createReply(scheme));
-        else
-            connection.send(message.createErrorReply(u"org.freedesktop.portal.Error.NotFound"_s, u"no such key"_s));
-        return true;
-    }
-
-private:
-    PrivateBus& m_bus;
-    QDBusConnection m_connection;
-    QList<QDBusMessage> m_noted;
-};
 
 /// The palette of a desktop whose windows have this background.
 QPalette paletteOf(Qt::GlobalColor window) {
@@ -138,7 +70,7 @@ void ColorSchemeTest::thePortalsChoiceCounts() {
     QGuiApplication::setPalette(paletteOf(window));
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(scheme);
+    portal.scheme = StandInPortal::twiceInVariant(scheme);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const QDBusConnection connection = bus.connect();
@@ -152,21 +84,21 @@ void ColorSchemeTest::thePortalsChoiceCounts() {
 void ColorSchemeTest::theChoiceIsAskedForByName() {
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(1);
+    portal.scheme = StandInPortal::twiceInVariant(1);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const ColorScheme colorScheme(bus.connect(), palette);
     QTRY_VERIFY(colorScheme.isDark());
-    QCOMPARE(portal.questions, QList<QVariantList>({{appearanceGroup, u"color-scheme"_s}}));
+    QCOMPARE(portal.questions, QList<QVariantList>({{StandInPortal::appearanceGroup(), u"color-scheme"_s}}));
 }
 
 void ColorSchemeTest::anAnswerOfAnotherKindIsNoChoice_data() {
     QTest::addColumn<QVariant>("answer");
     QTest::newRow("an error") << QVariant();
     QTest::newRow("not in a variant") << QVariant(2U);
-    QTest::newRow("a text") << inVariant(inVariant(u"light"_s));
-    QTest::newRow("a signed number") << inVariant(inVariant(2));
-    QTest::newRow("a list") << inVariant(inVariant(QStringList{u"2"_s}));
+    QTest::newRow("a text") << StandInPortal::inVariant(StandInPortal::inVariant(u"light"_s));
+    QTest::newRow("a signed number") << StandInPortal::inVariant(StandInPortal::inVariant(2));
+    QTest::newRow("a list") << StandInPortal::inVariant(StandInPortal::inVariant(QStringList{u"2"_s}));
     QTest::newRow("a text outside") << QVariant(u"2"_s);
 }
 
@@ -175,7 +107,7 @@ void ColorSchemeTest::anAnswerOfAnotherKindIsNoChoice() {
     QGuiApplication::setPalette(paletteOf(Qt::black));
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(2);
+    portal.scheme = StandInPortal::twiceInVariant(2);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const QDBusConnection connection = bus.connect();
@@ -196,7 +128,7 @@ void ColorSchemeTest::anAnswerOfAnotherKindIsNoChoice() {
 void ColorSchemeTest::aChangeIsFollowed() {
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(0);
+    portal.scheme = StandInPortal::twiceInVariant(0);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const ColorScheme colorScheme(bus.connect(), palette);
@@ -214,15 +146,15 @@ void ColorSchemeTest::aChangeIsFollowed() {
 void ColorSchemeTest::otherSettingsAreNotHeard() {
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(2);
+    portal.scheme = StandInPortal::twiceInVariant(2);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const ColorScheme colorScheme(bus.connect(), palette);
     QTRY_COMPARE(colorScheme.preference(), ColorPreference::light);
     QSignalSpy changes(&colorScheme, &ColorScheme::isDarkChanged);
-    portal.announce(u"org.gnome.desktop.interface"_s, u"color-scheme"_s, inVariant(1U));
-    portal.announce(appearanceGroup, u"contrast"_s, inVariant(1U));
-    portal.announce(appearanceGroup, u"color-scheme"_s, u"1"_s); // Not the signal's form.
+    portal.announce(u"org.gnome.desktop.interface"_s, u"color-scheme"_s, StandInPortal::inVariant(1U));
+    portal.announce(StandInPortal::appearanceGroup(), u"contrast"_s, StandInPortal::inVariant(1U));
+    portal.announce(StandInPortal::appearanceGroup(), u"color-scheme"_s, u"1"_s); // Not the signal's form.
     portal.announce(0); // What is heard comes in order: the others were here before.
     QTRY_COMPARE(colorScheme.preference(), ColorPreference::none);
     QCOMPARE(changes.size(), 0);
@@ -232,14 +164,14 @@ void ColorSchemeTest::aChangeBackToNoChoiceFallsBackToThePalette() {
     QGuiApplication::setPalette(paletteOf(Qt::black));
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(2);
+    portal.scheme = StandInPortal::twiceInVariant(2);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const ColorScheme colorScheme(bus.connect(), palette);
     QTRY_VERIFY(!colorScheme.isDark());
     portal.announce(0);
     QTRY_VERIFY(colorScheme.isDark());
-    portal.announce(appearanceGroup, u"color-scheme"_s, inVariant(u"light"_s));
+    portal.announce(StandInPortal::appearanceGroup(), u"color-scheme"_s, StandInPortal::inVariant(u"light"_s));
     portal.announce(2);
     QTRY_VERIFY(!colorScheme.isDark());
 }
@@ -247,7 +179,7 @@ void ColorSchemeTest::aChangeBackToNoChoiceFallsBackToThePalette() {
 void ColorSchemeTest::aPortalThatAppearsLaterIsAsked() {
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(1);
+    portal.scheme = StandInPortal::twiceInVariant(1);
     const ApplicationPalette palette;
     const QDBusConnection connection = bus.connect();
     const ColorScheme colorScheme(connection, palette);
@@ -261,20 +193,20 @@ void ColorSchemeTest::aPortalThatIsExchangedIsAskedAgain() {
     PrivateBus bus;
     const ApplicationPalette palette;
     auto first = std::make_unique<StandInPortal>(bus);
-    first->scheme = twiceInVariant(1);
+    first->scheme = StandInPortal::twiceInVariant(1);
     QVERIFY(first->appear());
     const ColorScheme colorScheme(bus.connect(), palette);
     QSignalSpy changes(&colorScheme, &ColorScheme::isDarkChanged);
     QTRY_COMPARE(changes.size(), 1);
     first.reset();
     StandInPortal same(bus);
-    same.scheme = twiceInVariant(1);
+    same.scheme = StandInPortal::twiceInVariant(1);
     QVERIFY(same.appear());
     QTRY_COMPARE(same.questions.size(), 1);
     QCOMPARE(changes.size(), 1); // The windows do not flash while a portal restarts.
     QVERIFY(same.disappear());
     StandInPortal other(bus);
-    other.scheme = twiceInVariant(2);
+    other.scheme = StandInPortal::twiceInVariant(2);
     QVERIFY(other.appear());
     QTRY_COMPARE(changes.size(), 2);
     QVERIFY(!colorScheme.isDark());
@@ -297,7 +229,7 @@ void ColorSchemeTest::aLateAnswerIsHeard() {
     PrivateBus bus;
     StandInPortal portal(bus);
     portal.answers = false;
-    portal.scheme = twiceInVariant(1);
+    portal.scheme = StandInPortal::twiceInVariant(1);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const ColorScheme colorScheme(bus.connect(), palette);
@@ -309,7 +241,7 @@ void ColorSchemeTest::aLateAnswerIsHeard() {
 void ColorSchemeTest::anEarlierChoiceEndsWhenTheNewPortalHangs() {
     PrivateBus bus;
     StandInPortal portal(bus);
-    portal.scheme = twiceInVariant(1);
+    portal.scheme = StandInPortal::twiceInVariant(1);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const ColorScheme colorScheme(bus.connect(), palette);
@@ -327,7 +259,7 @@ void ColorSchemeTest::aChangeOutrunsTheAnswer() {
     PrivateBus bus;
     StandInPortal portal(bus);
     portal.answers = false;
-    portal.scheme = twiceInVariant(2);
+    portal.scheme = StandInPortal::twiceInVariant(2);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const QDBusConnection connection = bus.connect();
@@ -356,7 +288,7 @@ void ColorSchemeTest::itMayGoWhileAQuestionIsOpen() {
     PrivateBus bus;
     StandInPortal portal(bus);
     portal.answers = false;
-    portal.scheme = twiceInVariant(1);
+    portal.scheme = StandInPortal::twiceInVariant(1);
     QVERIFY(portal.appear());
     const ApplicationPalette palette;
     const QDBusConnection connection = bus.connect();

@@ -145,7 +145,7 @@ private Q_SLOTS:
         StatusNotifierItem second(m_bus->connect(), u"second"_s, u"Communications"_s);
         QTRY_VERIFY_WITH_TIMEOUT(second.isRegistered(), limitMs);
         QCOMPARE(m_panel->services().size(), 2);
-        QVERIFY(m_panel->services().value(1).endsWith(QLatin1StringView("-" + std::to_string(number + 2))));
+        QVERIFY(m_panel->services().value(1).endsWith(u'-' + QLatin1StringView(std::to_string(number + 2))));
     }
 
     void whereNamesAreForbiddenTheConnectionsOwnServes() {

@@ -10,15 +10,10 @@
 #include <QTest>
 
 using namespace torvane;
+using TestFiles::contentOnceWritten;
 using TestFiles::put;
 
 namespace {
-
-/// The file's bytes once all writes have ended.
-QByteArray contentOf(const QString& path) {
-    worker().waitForDone();
-    return TestFiles::contentOf(path);
-}
 
 const QString a = QStringLiteral("a");
 const QString b = QStringLiteral("b");
@@ -43,8 +38,8 @@ private Q_SLOTS:
         worker().waitForDone();
         QVERIFY(QDir().rmdir(path()));
         defaults.setData(QStringLiteral("data"), "bytes");
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": 5\n}\n"));
-        QCOMPARE(contentOf(dataDirectory() + QStringLiteral("/data")), QByteArray("bytes"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"a\": 5\n}\n"));
+        QCOMPARE(contentOnceWritten(dataDirectory() + QStringLiteral("/data")), QByteArray("bytes"));
     }
 
     void theNewestDataWinAmongThoseWhoseWriteFailed() {
@@ -57,7 +52,7 @@ private Q_SLOTS:
         worker().waitForDone();
         QVERIFY(QDir().rmdir(entry));
         defaults.set(a, true);
-        QCOMPARE(contentOf(entry), QByteArray("newer"));
+        QCOMPARE(contentOnceWritten(entry), QByteArray("newer"));
     }
 
     void handingOverReturnsWhileTheWorkerIsBusyAndOlderValuesAreSkipped() {
@@ -72,8 +67,8 @@ private Q_SLOTS:
         QCOMPARE(defaults.data(QStringLiteral("data")), QByteArray(1000, 'x'));
         QVERIFY(!QFile::exists(path()));
         gate.release();
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": 1000\n}\n"));
-        QCOMPARE(contentOf(dataDirectory() + QStringLiteral("/data")), QByteArray(1000, 'x'));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"a\": 1000\n}\n"));
+        QCOMPARE(contentOnceWritten(dataDirectory() + QStringLiteral("/data")), QByteArray(1000, 'x'));
     }
 
     void newMembersComeInTheOrderOfTheirAssignment() {
@@ -85,7 +80,7 @@ private Q_SLOTS:
         defaults.set(a, true);
         defaults.set(b, false);
         gate.release();
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": false,\n  \"a\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"b\": false,\n  \"a\": true\n}\n"));
     }
 
     void writesUnderWayOutliveTheirUserDefaults() {
@@ -96,7 +91,7 @@ private Q_SLOTS:
             defaults.set(a, true);
         }
         gate.release();
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"a\": true\n}\n"));
     }
 
     void twoProgramsKeepEachOthersValues() {
@@ -107,7 +102,7 @@ private Q_SLOTS:
         two.set(b, qint64(2));
         worker().waitForDone();
         one.set(a, qint64(3));
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": 3,\n  \"b\": 2\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"a\": 3,\n  \"b\": 2\n}\n"));
     }
 
     void whatAnEditorChangesMeanwhileIsKept() {
@@ -116,17 +111,17 @@ private Q_SLOTS:
         worker().waitForDone();
         put(path(), R"({"b": "by hand", "a": 7})");
         defaults.set(QStringLiteral("c"), true);
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": \"by hand\",\n  \"a\": 7,\n  \"c\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"b\": \"by hand\",\n  \"a\": 7,\n  \"c\": true\n}\n"));
     }
 
     void aValueThatWouldMakeTheFileUnreadableIsNotWritten() {
         put(path(), R"({"a": 1})");
         UserDefaults defaults(path(), dataDirectory());
         defaults.set(b, QString(1 << 20, QLatin1Char('x')));
-        QCOMPARE(contentOf(path()), QByteArray(R"({"a": 1})"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray(R"({"a": 1})"));
         QCOMPARE(defaults.string(b)->size(), 1 << 20);
         defaults.set(b, QStringLiteral("short"));
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": 1,\n  \"b\": \"short\"\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"a\": 1,\n  \"b\": \"short\"\n}\n"));
     }
 
     void aFileThatIsGoneIsWrittenAnewFromMemory() {
@@ -134,11 +129,11 @@ private Q_SLOTS:
         UserDefaults defaults(path(), dataDirectory());
         QVERIFY(QFile::remove(path()));
         defaults.set(a, qint64(2));
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"x\": 1.5,\n  \"a\": 2\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"x\": 1.5,\n  \"a\": 2\n}\n"));
         put(path(), "damaged meanwhile");
         defaults.set(a, qint64(3));
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"x\": 1.5,\n  \"a\": 3\n}\n"));
-        QCOMPARE(contentOf(path() + QStringLiteral(".damaged")), QByteArray("damaged meanwhile"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"x\": 1.5,\n  \"a\": 3\n}\n"));
+        QCOMPARE(contentOnceWritten(path() + QStringLiteral(".damaged")), QByteArray("damaged meanwhile"));
     }
 
 private:

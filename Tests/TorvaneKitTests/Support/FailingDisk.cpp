@@ -37,8 +37,8 @@ bool concerns(int file) {
 
 /// Counts a call that concerns the directory: true if it fails.
 template <class Subject>
-bool fails(Subject subject) {
-    if (!concerns(subject))
+bool fails(std::string_view function, Subject subject) {
+    if (!concerns(subject) || (!g_fault.only.empty() && g_fault.only != function))
         return false;
     const int call = ++g_calls;
     const bool isFailing = g_fault.call > 0 && (g_fault.isLasting ? call >= g_fault.call : call == g_fault.call);
@@ -80,17 +80,17 @@ int open(const char* path, int flags, ...) {
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     static auto* const next = systems<int(const char*, int, ...)>("open");
-    return fails(path) ? -1 : next(path, flags, mode);
+    return fails("open", path) ? -1 : next(path, flags, mode);
 }
 
 ssize_t read(int file, void* bytes, size_t size) {
     static auto* const next = systems<ssize_t(int, void*, size_t)>("read");
-    return fails(file) ? -1 : next(file, bytes, size);
+    return fails("read", file) ? -1 : next(file, bytes, size);
 }
 
 ssize_t write(int file, const void* bytes, size_t size) {
     static auto* const next = systems<ssize_t(int, const void*, size_t)>("write");
-    if (fails(file))
+    if (fails("write", file))
         return -1;
     const bool isShort = g_fault.writesShort && concerns(file);
     return next(file, bytes, isShort ? std::min<size_t>(size, 7) : size);
@@ -98,35 +98,35 @@ ssize_t write(int file, const void* bytes, size_t size) {
 
 int fsync(int file) {
     static auto* const next = systems<int(int)>("fsync");
-    return fails(file) ? -1 : next(file);
+    return fails("fsync", file) ? -1 : next(file);
 }
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wshadow" // The system has a struct of this name too.
 int flock(int file, int operation) noexcept {
     static auto* const next = systems<int(int, int)>("flock");
-    return fails(file) ? -1 : next(file, operation);
+    return fails("flock", file) ? -1 : next(file, operation);
 }
 #pragma GCC diagnostic pop
 
 int rename(const char* from, const char* to) noexcept {
     static auto* const next = systems<int(const char*, const char*)>("rename");
-    return fails(from) ? -1 : next(from, to);
+    return fails("rename", from) ? -1 : next(from, to);
 }
 
 int link(const char* from, const char* to) noexcept {
     static auto* const next = systems<int(const char*, const char*)>("link");
-    return fails(from) ? -1 : next(from, to);
+    return fails("link", from) ? -1 : next(from, to);
 }
 
 int unlink(const char* path) noexcept {
     static auto* const next = systems<int(const char*)>("unlink");
-    return fails(path) ? -1 : next(path);
+    return fails("unlink", path) ? -1 : next(path);
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {
     static auto* const next = systems<int(const char*, mode_t)>("mkdir");
-    return fails(path) ? -1 : next(path, mode);
+    return fails("mkdir", path) ? -1 : next(path, mode);
 }
 
 } // extern "C"

@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 
+#include <string_view>
+
 /// A disk that fails on command. A program that links this unit has its own open, read, write, fsync, rename, link,
 /// unlink, mkdir and flock: each passes on to the system's, except for the calls that are told to fail. Only calls that
 /// concern one directory are counted.
@@ -12,6 +14,7 @@ struct Fault {
     int error = 0;            ///< the errno that it leaves
     bool isLasting = false;   ///< all later calls fail too
     bool writesShort = false; ///< no fault at all, but each write takes a few bytes only
+    std::string_view only{};  ///< the one function whose calls count, such as "fsync"; empty for all
     bool kills = false;       ///< the process is killed at that call instead
 };
 

@@ -14,17 +14,12 @@
 #include <unistd.h>
 
 using namespace torvane;
+using TestFiles::contentOnceWritten;
 using TestFiles::put;
 
 namespace {
 
 constexpr qint64 mebibyte = 1 << 20;
-
-/// The file's bytes once all writes have ended.
-QByteArray contentOf(const QString& path) {
-    worker().waitForDone();
-    return TestFiles::contentOf(path);
-}
 
 /// Sets an environment variable and restores it; none unsets it.
 class Environment final {
@@ -141,7 +136,7 @@ private Q_SLOTS:
         UserDefaults defaults(path(), dataDirectory());
         defaults.set(a, QStringLiteral("x"));
         defaults.set(b, true);
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"a\": \"x\",\n  \"b\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"a\": \"x\",\n  \"b\": true\n}\n"));
         struct stat status {};
         QCOMPARE(::stat(QFile::encodeName(path()), &status), 0);
         QCOMPARE(status.st_mode & 07777, mode_t(0600));
@@ -152,7 +147,7 @@ private Q_SLOTS:
         UserDefaults defaults(path(), dataDirectory());
         defaults.set(a, true);
         defaults.set(b, qint64(2));
-        QCOMPARE(contentOf(path()),
+        QCOMPARE(contentOnceWritten(path()),
                  QByteArray("{\n  \"x\": {\"deep\" :[1.50, 1e400,{}]},\n  \"a\": true,\n"
                             "  \"y\": \"\\u00E9\\/\",\n  \"z\": 18446744073709551616,\n  \"b\": 2\n}\n"));
     }
@@ -189,11 +184,11 @@ private Q_SLOTS:
         put(path(), damaged);
         UserDefaults defaults(path(), dataDirectory());
         QCOMPARE(defaults.integer(a), std::nullopt);
-        QCOMPARE(contentOf(path()), damaged);
+        QCOMPARE(contentOnceWritten(path()), damaged);
         QVERIFY(!QFile::exists(path() + QStringLiteral(".damaged")));
         defaults.set(b, true);
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": true\n}\n"));
-        QCOMPARE(contentOf(path() + QStringLiteral(".damaged")), damaged);
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"b\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path() + QStringLiteral(".damaged")), damaged);
         QCOMPARE(entries(),
                  (QStringList{QStringLiteral("preferences.json"), QStringLiteral("preferences.json.damaged")}));
     }
@@ -203,15 +198,15 @@ private Q_SLOTS:
         put(path(), "second");
         UserDefaults defaults(path(), dataDirectory());
         defaults.set(b, true);
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": true\n}\n"));
-        QCOMPARE(contentOf(path() + QStringLiteral(".damaged")), QByteArray("first"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"b\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path() + QStringLiteral(".damaged")), QByteArray("first"));
     }
 
     void anEmptyFileIsNotKeptAside() {
         put(path(), "");
         UserDefaults defaults(path(), dataDirectory());
         defaults.set(b, true);
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"b\": true\n}\n"));
         QCOMPARE(entries(), QStringList{QStringLiteral("preferences.json")});
     }
 
@@ -221,7 +216,7 @@ private Q_SLOTS:
         QVERIFY(huge.open(QIODevice::WriteOnly) && huge.resize(1024 * mebibyte));
         UserDefaults defaults(path(), dataDirectory());
         defaults.set(b, true);
-        QCOMPARE(contentOf(path()), QByteArray("{\n  \"b\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(path()), QByteArray("{\n  \"b\": true\n}\n"));
         QCOMPARE(QFileInfo(path() + QStringLiteral(".damaged")).size(), 1024 * mebibyte);
     }
 
@@ -293,8 +288,8 @@ private Q_SLOTS:
         UserDefaults defaults = UserDefaults::standard(QStringLiteral("app"));
         defaults.set(a, true);
         defaults.setData(QStringLiteral("data"), "bytes");
-        QCOMPARE(contentOf(m_directory->filePath(preferences)), QByteArray("{\n  \"a\": true\n}\n"));
-        QCOMPARE(contentOf(m_directory->filePath(data)), QByteArray("bytes"));
+        QCOMPARE(contentOnceWritten(m_directory->filePath(preferences)), QByteArray("{\n  \"a\": true\n}\n"));
+        QCOMPARE(contentOnceWritten(m_directory->filePath(data)), QByteArray("bytes"));
     }
 
     void withoutAUsableHOMETheUserDatabaseHasTheHome() {

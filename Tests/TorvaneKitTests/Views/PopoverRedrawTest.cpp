@@ -1,9 +1,5 @@
-#include "Design/DesignSystem.h"
-#include "Support/PaintCounter.h"
-#include "Support/PopoverReading.h"
-#include "Support/PopoverScene.h"
+#include "TorvaneKitTests/Views/PopoverFixture.h"
 #include "Views/L2Row.h"
-#include "Views/PopoverView.h"
 #include "Views/Sparkline.h"
 #include "Views/TierCard.h"
 
@@ -13,22 +9,10 @@ using namespace torvane;
 using namespace torvane::PopoverReading;
 using namespace Qt::StringLiterals;
 
-class PopoverRedrawTest final : public QObject {
+class PopoverRedrawTest final : public PopoverFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() {
-        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        m_scene = std::make_unique<PopoverScene>();
-        open();
-    }
-
-    void cleanup() {
-        m_view.reset();
-        m_scene.reset();
-        setCurrentAppearance(Appearance::light);
-    }
-
     void whatIsPublishedUnchangedIsNotPaintedAgain() {
         m_scene->settings.badgeChain = BadgeChain::l2(u"Base"_s);
         PaintCounter paints(*m_view);
@@ -139,17 +123,6 @@ private Q_SLOTS:
         m_scene->settings.denom = Denomination::usd;
         PaintCounter::settle();
     }
-
-private:
-    void open() {
-        m_view = std::make_unique<PopoverView>(m_scene->store, m_scene->settings);
-        m_view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
-        PaintCounter::settle();
-    }
-
-    std::unique_ptr<PopoverScene> m_scene;
-    std::unique_ptr<PopoverView> m_view;
 };
 
 QTEST_MAIN(PopoverRedrawTest)

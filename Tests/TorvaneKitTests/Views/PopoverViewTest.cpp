@@ -1,9 +1,4 @@
-#include "Views/PopoverView.h"
-
-#include "Design/DesignSystem.h"
-#include "Support/PaintCounter.h"
-#include "Support/PopoverReading.h"
-#include "Support/PopoverScene.h"
+#include "TorvaneKitTests/Views/PopoverFixture.h"
 #include "Views/ActionRow.h"
 #include "Views/ChartView.h"
 #include "Views/FigureLine.h"
@@ -25,22 +20,10 @@ const QStringList allNames{u"Arbitrum"_s, u"Optimism"_s, u"Base"_s, u"zkSync Era
 
 } // namespace
 
-class PopoverViewTest final : public QObject {
+class PopoverViewTest final : public PopoverFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() {
-        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        m_scene = std::make_unique<PopoverScene>();
-        open();
-    }
-
-    void cleanup() {
-        m_view.reset();
-        m_scene.reset();
-        setCurrentAppearance(Appearance::light);
-    }
-
     void theHeaderHasBlockFigureAndLevel() {
         QVERIFY(lines(*m_view).contains(u"Ethereum"_s));
         QVERIFY(lines(*m_view).contains(u"Mainnet · block 21,000,000"_s));
@@ -260,17 +243,6 @@ private Q_SLOTS:
         QVERIFY(area.widget()->height() > 60 * 34);
         m_view.reset(static_cast<PopoverView*>(area.takeWidget()));
     }
-
-private:
-    void open() {
-        m_view = std::make_unique<PopoverView>(m_scene->store, m_scene->settings);
-        m_view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
-        PaintCounter::settle();
-    }
-
-    std::unique_ptr<PopoverScene> m_scene;
-    std::unique_ptr<PopoverView> m_view;
 };
 
 QTEST_MAIN(PopoverViewTest)
