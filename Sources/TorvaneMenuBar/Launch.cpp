@@ -29,6 +29,7 @@ Task<> Launch::begin() {
         notice(u"There is no session bus, so no notifications, and a badge only in a tray of X's own. "
                u"Start velisk once more to open its window."_s);
     m_instance.emplace(QDBusConnection::sessionBus(), m_id);
+    m_successor.emplace(*m_instance, QDBusConnection::sessionBus(), m_id);
     connect(&*m_instance, &ApplicationInstance::becameFirst, this, &Launch::run);
     connect(&*m_instance, &ApplicationInstance::deferred, this, &Launch::end);
     connect(&*m_instance, &ApplicationInstance::activated, this, &Launch::comeForward);
@@ -36,7 +37,8 @@ Task<> Launch::begin() {
 }
 
 void Launch::run() {
-    m_app.emplace();
+    const auto relaunch = [this](QString executable) { return m_successor->relaunch(std::move(executable)); };
+    m_app.emplace(m_id, relaunch);
     if (m_isAwaited)
         m_app->comeForward();
 }

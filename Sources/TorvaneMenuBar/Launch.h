@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/ApplicationInstance.h"
+#include "Successor.h"
 #include "Support/Async.h"
 #include "TorvaneApp.h"
 
@@ -26,6 +27,7 @@ private:
 
     const QString m_id;
     std::optional<ApplicationInstance> m_instance;
+    std::optional<Successor> m_successor;
     std::optional<TorvaneApp> m_app;
     bool m_isAwaited = false; // Called forward before there was anything to show.
     TaskScope m_tasks;

@@ -1,10 +1,8 @@
 #include "PreferencesWindow.h"
 
-#include "Views/SymbolTile.h"
+#include "ProgramIcon.h"
 
-#include <QIcon>
 #include <QKeyEvent>
-#include <QPixmap>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -17,25 +15,12 @@ namespace {
 constexpr Qt::WindowFlags buttons = Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                                     Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
 
-/// Drawn, not looked up: a program that is not installed has none in the icon themes.
-QIcon icon() {
-    QIcon icon;
-    for (const int side : {16, 24, 32, 48, 64, 128}) {
-        SymbolTile tile(u"fuelpump.fill"_s, {side, side * 0.24, side * 0.6});
-        QPixmap pixmap(tile.size());
-        pixmap.fill(Qt::transparent);
-        tile.render(&pixmap, {}, {}, QWidget::DrawChildren);
-        icon.addPixmap(pixmap);
-    }
-    return icon;
-}
-
 } // namespace
 
 PreferencesWindow::PreferencesWindow(SnapshotStore& store, AppSettings& settings, UpdaterState& updater)
     : QWidget(nullptr, Qt::Window | buttons) {
     setWindowTitle(u"velisk Preferences"_s);
-    setWindowIcon(icon());
+    setWindowIcon(programIcon());
     setAttribute(Qt::WA_DeleteOnClose);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

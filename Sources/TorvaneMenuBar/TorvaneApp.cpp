@@ -2,6 +2,7 @@
 
 #include "Chain/NetworkClient.h"
 #include "Coordination/Notifications.h"
+#include "Model/Config.h"
 #include "Support/FreedMemory.h"
 #include "Support/Notice.h"
 #include "TimerSettings.h"
@@ -33,13 +34,27 @@ std::optional<Appearance> appearance(ColorPreference preference) {
     return preference == ColorPreference::dark ? Appearance::dark : Appearance::light;
 }
 
+/// The program's own file, of the build's feed, key and version.
+Updates::Properties updateProperties(const QString& id) {
+    return {
+        .feed = Config::appcastURL(),
+        .publicKey = Config::updatePublicKey(),
+        .product = id,
+        .version = Config::currentVersion(),
+        .executable = QCoreApplication::applicationFilePath(),
+    };
+}
+
 } // namespace
 
-TorvaneApp::TorvaneApp()
-    : m_popover([this] { return makePopoverView(); }) {
+TorvaneApp::TorvaneApp(const QString& id, Updates::Relaunch relaunch)
+    : m_updater(updateProperties(id), m_defaults, m_updateDownload, std::move(relaunch))
+    , m_popover([this] { return makePopoverView(); }) {
     GasNotifier::requestAuthorization();
     rebuildTimersOnChange(m_settings, m_store);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
+    connect(&m_systemChanges, &SystemChanges::timeJumped, &m_updater, &SparkleUpdater::catchUp);
+    connect(&m_updater, &SparkleUpdater::replaced, this, &QCoreApplication::quit);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     showBadge();
     QTimer::singleShot(rehearsalDelay, this, &TorvaneApp::rehearse);

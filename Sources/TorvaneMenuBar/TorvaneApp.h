@@ -7,6 +7,8 @@
 #include "Platform/SystemChanges.h"
 #include "Popover.h"
 #include "PreferencesWindow.h"
+#include "SparkleUpdater.h"
+#include "UpdateDownload.h"
 
 #include <QObject>
 #include <QTimer>
@@ -20,8 +22,9 @@ class TorvaneApp final : public QObject {
     Q_OBJECT
 
 public:
-    /// Needs a QApplication. The store starts when the badge is in a panel, or soon where there is none.
-    TorvaneApp();
+    /// Needs a QApplication. The store starts when the badge is in a panel, or soon where there is none. `id` is the
+    /// application's; `relaunch` puts a newer version in this one's place.
+    TorvaneApp(const QString& id, Updates::Relaunch relaunch);
 
     /// Opens the popover, for somebody who started the program once more.
     void comeForward();
@@ -39,11 +42,12 @@ private:
     UserDefaults m_defaults = UserDefaults::standard(QStringLiteral("velisk"));
     AppSettings m_settings{m_defaults};
     SnapshotStore m_store{m_settings, m_defaults};
+    UpdateDownload m_updateDownload;
+    SparkleUpdater m_updater;
     ApplicationPalette m_palette;
     ColorScheme m_colorScheme{QDBusConnection::sessionBus(), m_palette};
     Theme m_theme{m_settings, m_colorScheme, m_palette};
-    UpdaterState m_updaterState;
-    Preferences m_preferences{m_store, m_settings, m_updaterState};
+    Preferences m_preferences{m_store, m_settings, m_updater.state()};
     Popover m_popover;
     BadgeFeed m_feed{m_store, m_settings};
     std::optional<BadgeHost> m_badge;

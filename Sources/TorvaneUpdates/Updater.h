@@ -4,30 +4,20 @@
 #include "Support/Published.h"
 #include "Support/UserDefaults.h"
 #include "TorvaneUpdates/Download.h"
+#include "TorvaneUpdates/Obstacle.h"
+#include "TorvaneUpdates/Properties.h"
+#include "TorvaneUpdates/Signature.h"
+#include "TorvaneUpdates/UpdateMemory.h"
 #include "TorvaneUpdates/Windows.h"
 
-#include <QString>
-#include <QUrl>
+#include <QTimer>
 
-#include <chrono>
-#include <functional>
+#include <memory>
+#include <optional>
 
 namespace torvane::Updates {
 
-/// What the build says of itself.
-struct Properties final {
-    QUrl feed;          // RSS 2.0 with Sparkle's namespace, https
-    QString publicKey;  // base64 of an Ed25519 key (RFC 8032); empty: this build takes no updates
-    QString product;    // as the note inside the payload names it
-    QString version;    // of the running program
-    QString executable; // the file to replace
-    std::chrono::seconds interval{std::chrono::hours{24}}; // between checks that nobody asked for
-};
-
-/// Starts the program in this file as the successor of the running one, which gives up its place in the session to it.
-/// True once the successor has that place; the caller then ends the program. False when it failed to come up: the
-/// running one has taken its place again.
-using Relaunch = std::function<Task<bool>(QString executable)>;
+class UpdateSession;
 
 /// The updater: finds newer versions by itself once a day or when asked, and replaces the program's own file. What it
 /// shows goes through `windows`. It keeps the time of the last check, a skipped version and whether it checks by itself
@@ -58,6 +48,24 @@ public:
 Q_SIGNALS:
     /// The successor runs: this program must end.
     void replaced();
+
+private:
+    Task<> prepare();
+    void schedule(std::chrono::milliseconds soonest);
+    void checkIfDue();
+    void beginSession();
+    void endSession();
+
+    const Properties m_properties;
+    const UpdateMemory m_memory;
+    Download& m_download;
+    Windows& m_windows;
+    const Relaunch m_relaunch;
+    std::optional<PublicKey> m_key; // None before it has been prepared, or where there is no usable one.
+    Executable m_executable;        // As it was when the program started.
+    QTimer m_nextCheck;
+    std::unique_ptr<UpdateSession> m_session;
+    TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
 };
 
 } // namespace torvane::Updates

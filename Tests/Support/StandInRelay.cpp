@@ -6,6 +6,8 @@
 #include "Support/StandInNodes.h"
 
 #include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
 #include <QTimer>
 
 #include <charconv>
@@ -82,6 +84,16 @@ void StandInRelay::listen(const QString& certificate, quint16 port) {
     m_server->on("/snapshot.json", [this](const StandInRequest& request) { return answerSnapshot(request); });
     m_server->on("/control", [this](const StandInRequest& request) { return answerControl(request.body.trimmed()); });
     listenForNodes();
+    listenForUpdates();
+}
+
+void StandInRelay::listenForUpdates() {
+    if (m_published.isEmpty())
+        return; // An empty path would be the current folder.
+    for (const QString& name : QDir(m_published).entryList(QDir::Files)) {
+        const QByteArray path = "/torvane/" + QFile::encodeName(name);
+        m_server->on(path, [this](const StandInRequest& request) { return answerUpdate(request); });
+    }
 }
 
 void StandInRelay::listenForNodes() {
@@ -131,6 +143,15 @@ StandInAnswer StandInRelay::answerSnapshot(const StandInRequest& request) const 
     return m_kind == "normal" ? asFile(body, request) : misbehaving(m_kind, body);
 }
 
+StandInAnswer StandInRelay::answerUpdate(const StandInRequest& request) const {
+    const QString name = QFile::decodeName(request.target.mid(request.target.lastIndexOf('/') + 1));
+    QFile file(QDir(m_published).filePath(name));
+    if (!file.open(QIODevice::ReadOnly))
+        return StandInAnswer::status(404);
+    const QByteArray body = file.readAll();
+    return m_updatesKind == "normal" ? StandInAnswer::ok(body) : misbehaving(m_updatesKind, body);
+}
+
 StandInAnswer StandInRelay::answerNode(const StandInRequest& request, const QByteArray& body) const {
     if (request.method != "POST")
         return StandInAnswer::status(405, "POST a JSON-RPC request");
@@ -153,6 +174,12 @@ bool StandInRelay::obeys(const QByteArray& name, const QByteArray& value) {
         return setMoment(value);
     if (name == "certificate")
         return setCertificate(value);
+    if (name == "publish")
+        return publish(value);
+    if (name == "updates" && isKind(value)) {
+        m_updatesKind = value;
+        return true;
+    }
     if (name == "nodes" && (isKind(value) || value == "error")) {
         m_nodesKind = value;
         return true;
@@ -180,6 +207,15 @@ bool StandInRelay::setMoment(const QByteArray& value) {
         return false;
     m_moment = value.isEmpty() ? std::nullopt : std::optional(moment);
     m_orderedAt = Clock::now();
+    return true;
+}
+
+bool StandInRelay::publish(const QByteArray& folder) {
+    const QString path = QFile::decodeName(folder);
+    if (!QDir(path).isAbsolute() || !QDir(path).exists())
+        return false;
+    m_published = path;
+    listenForUpdates();
     return true;
 }
 

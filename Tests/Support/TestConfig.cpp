@@ -10,6 +10,7 @@ QUrl g_snapshotURL(QStringLiteral("https://localhost:1/snapshot.json"));
 QUrl g_appcastURL(QStringLiteral("https://localhost:1/torvane/appcast.xml"));
 QStringList g_ethereumRPCURLs{QStringLiteral("https://localhost:1"), QStringLiteral("https://localhost:2")};
 QString g_trustAnchorPath;
+QString g_updatePublicKey;
 
 } // namespace
 
@@ -26,6 +27,10 @@ void setEthereumRPCURLs(const QString& primary, const QString& fallback) {
 
 void setTrustAnchorPath(const QString& path) {
     g_trustAnchorPath = path;
+}
+
+void setUpdatePublicKey(const QString& key) {
+    g_updatePublicKey = key;
 }
 
 } // namespace TestConfig
@@ -51,8 +56,7 @@ const QString& currentVersion() {
 }
 
 const QString& updatePublicKey() {
-    static const QString none;
-    return none;
+    return g_updatePublicKey;
 }
 
 const QStringList& ethereumRPCURLs() {

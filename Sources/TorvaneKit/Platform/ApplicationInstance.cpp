@@ -1,10 +1,13 @@
 #include "Platform/ApplicationInstance.h"
 
 #include "Platform/InstanceSocket.h"
+#include "Support/Later.h"
 
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -24,10 +27,6 @@ constexpr int busLimitMs = 2000;
 /// An instance that takes longer hangs.
 constexpr int ownerLimitMs = 5000;
 
-QString objectPath(QString id) {
-    return u'/' + id.replace(u'.', u'/').replace(u'-', u'_');
-}
-
 /// What a desktop hands to a launch so that its window may come to the front.
 QVariantMap platformData() {
     QVariantMap data;
@@ -36,6 +35,22 @@ QVariantMap platformData() {
     if (const QString startup = qEnvironmentVariable("DESKTOP_STARTUP_ID"); !startup.isEmpty())
         data.insert(u"desktop-startup-id"_s, startup);
     return data;
+}
+
+/// A call of the bus itself.
+QDBusMessage busCall(const QString& method, const QVariantList& arguments) {
+    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                                       u"org.freedesktop.DBus"_s, method);
+    call.setArguments(arguments);
+    return call;
+}
+
+/// Until the call is answered, or is given up.
+Task<> ended(QDBusPendingCall call) {
+    const Later<bool> hasEnded;
+    const QDBusPendingCallWatcher watcher(call);
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &watcher, [hasEnded] { hasEnded.set(true); });
+    co_await hasEnded;
 }
 
 } // namespace
@@ -47,6 +62,10 @@ ApplicationInstance::ApplicationInstance(QDBusConnection bus, QString id, QObjec
     , m_object(m_bus, objectPath(m_id), interface()) {}
 
 ApplicationInstance::~ApplicationInstance() = default;
+
+QString ApplicationInstance::objectPath(QString id) {
+    return u'/' + id.replace(u'.', u'/').replace(u'-', u'_');
+}
 
 DBusInterface ApplicationInstance::interface() {
     const auto activate = [this](const QVariantList&) {
@@ -71,11 +90,12 @@ void ApplicationInstance::settle() {
     requestName();
 }
 
+QDBusPendingCall ApplicationInstance::askForName() const {
+    return m_bus.asyncCall(busCall(u"RequestName"_s, {m_id, doNotQueue}), busLimitMs);
+}
+
 void ApplicationInstance::requestName() {
-    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                                       u"org.freedesktop.DBus"_s, u"RequestName"_s);
-    call.setArguments({m_id, doNotQueue});
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, busLimitMs), this);
+    auto* watcher = new QDBusPendingCallWatcher(askForName(), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         nameRequested(*watcher);
@@ -109,6 +129,26 @@ void ApplicationInstance::ownerAnswered(const QDBusPendingCallWatcher& reply) {
         requestName();
     else
         Q_EMIT deferred(!reply.isError());
+}
+
+Task<> ApplicationInstance::release() {
+    if (!m_bus.isConnected()) {
+        delete std::exchange(m_socket, nullptr);
+        co_return;
+    }
+    Task<> releasing = ended(m_bus.asyncCall(busCall(u"ReleaseName"_s, {m_id}), busLimitMs));
+    co_await releasing;
+}
+
+Task<> ApplicationInstance::takeAgain() {
+    if (!m_bus.isConnected()) {
+        m_socket = new InstanceSocket(m_id, this);
+        connect(m_socket, &InstanceSocket::called, this, &ApplicationInstance::activated);
+        m_socket->settle();
+        co_return;
+    }
+    Task<> asking = ended(askForName());
+    co_await asking;
 }
 
 void ApplicationInstance::settleBySocket() {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Platform/DBusObject.h"
+#include "Support/Async.h"
 
 #include <QObject>
 
 #include <optional>
 
+class QDBusPendingCall;
 class QDBusPendingCallWatcher;
 
 namespace torvane {
@@ -26,6 +28,15 @@ public:
     /// Finds out which one this is: of `becameFirst` and `deferred` one follows.
     void settle();
 
+    /// Gives up its place in the session: whoever is launched next is the first.
+    Task<> release();
+
+    /// Takes the place again, unless somebody else has it.
+    Task<> takeAgain();
+
+    /// Where the application of this name has its object on the bus.
+    static QString objectPath(QString id);
+
 Q_SIGNALS:
     void becameFirst();
 
@@ -37,6 +48,7 @@ Q_SIGNALS:
 
 private:
     DBusInterface interface();
+    QDBusPendingCall askForName() const;
     void requestName();
     void nameRequested(const QDBusPendingCallWatcher& reply);
     void activateOwner();

@@ -1,5 +1,6 @@
 #include "Platform/InstanceSocket.h"
 
+#include <QFile>
 #include <QMetaObject>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -9,9 +10,11 @@
 #include <chrono>
 #include <cstddef>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace torvane {
@@ -58,7 +61,40 @@ QByteArray nameFor(const QString& id) {
     return id.toUtf8() + '/' + QByteArray::fromStdString(std::to_string(geteuid())) + '/' + display;
 }
 
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The number of the socket that listens under this name, in the kernel's table of them (proc(5)): its name stands last
+/// in a line, an "@" for the zero byte, and before it the number. Empty where nobody listens.
+QByteArray listenerOf(const QByteArray& name) {
+    constexpr int flagsColumn = 3;
+    constexpr int numberColumn = 6;
+    const QList<QByteArray> lines = contentOf(QStringLiteral("/proc/net/unix")).split('\n');
+    for (const QByteArray& line : lines) {
+        const QList<QByteArray> columns = line.simplified().split(' ');
+        const bool isListening = columns.value(flagsColumn) == "00010000"; // __SO_ACCEPTCON
+        if (isListening && line.endsWith(" @" + name))
+            return columns.value(numberColumn);
+    }
+    return {};
+}
+
 } // namespace
+
+bool InstanceSocket::isHeldBy(pid_t process, const QString& id) {
+    const QByteArray listener = listenerOf(nameFor(id));
+    const QByteArray wanted = "socket:[" + listener + ']';
+    const std::string folder = "/proc/" + std::to_string(process) + "/fd";
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        const bool isIt = !listener.isEmpty() && std::filesystem::read_symlink(entry, error) == wanted.constData();
+        if (isIt)
+            return true;
+    }
+    return false;
+}
 
 InstanceSocket::InstanceSocket(const QString& id, QObject* parent)
     : QObject(parent)

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <sys/types.h>
+
 namespace torvane {
 
 /// One instance per user and display where there is no bus: whoever binds the socket first is called by the others. Its
@@ -16,6 +18,9 @@ public:
 
     /// Of `bound` and `deferred` one follows, from the loop.
     void settle();
+
+    /// Whether this process is the one that is called. It does not hear of being looked at.
+    static bool isHeldBy(pid_t process, const QString& id);
 
 Q_SIGNALS:
     void bound();

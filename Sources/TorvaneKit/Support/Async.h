@@ -263,18 +263,19 @@ struct DetachedState {
 
 } // namespace detail
 
-/// Runs a function on the worker thread and resumes on the main thread with its result, or throws what it threw.
+/// Runs a function on a worker's thread and resumes on the main thread with its result, or throws what it threw.
 /// Use as `const auto work = [copies] {...}; const T result = co_await detached(work);` — the function must own
 /// copies of all it reads, since the awaiting side may be gone before it ends.
 template <class Function>
-auto detached(const Function& function) {
+auto detached(const Function& function, Worker& on = worker()) {
     using T = std::decay_t<std::invoke_result_t<const Function&>>;
     using State = detail::DetachedState<T>;
 
     class Awaiter {
     public:
-        explicit Awaiter(Function work)
-            : m_work(std::move(work)) {}
+        Awaiter(Function work, Worker& on)
+            : m_work(std::move(work))
+            , m_worker(on) {}
 
         Awaiter(const Awaiter&) = delete;
         Awaiter& operator=(const Awaiter&) = delete;
@@ -285,7 +286,7 @@ auto detached(const Function& function) {
 
         void await_suspend(detail::Suspended awaiting) {
             m_state->awaiting = awaiting.task;
-            worker().start([state = m_state, work = std::move(m_work)] {
+            m_worker.start([state = m_state, work = std::move(m_work)] {
                 try {
                     state->value.emplace(work());
                 } catch (...) {
@@ -310,10 +311,11 @@ auto detached(const Function& function) {
 
     private:
         Function m_work;
+        Worker& m_worker;
         std::shared_ptr<State> m_state = std::make_shared<State>();
     };
 
-    return Awaiter(function);
+    return Awaiter(function, on);
 }
 
 } // namespace torvane

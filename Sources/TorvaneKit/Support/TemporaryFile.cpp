@@ -1,5 +1,7 @@
 #include "Support/TemporaryFile.h"
 
+#include "Support/FileIdentity.h"
+
 #include <QRandomGenerator>
 
 #include <array>
@@ -9,6 +11,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace torvane {
 
@@ -86,7 +89,27 @@ bool TemporaryFile::write(QByteArrayView bytes) const {
             return false;
         bytes = bytes.sliced(written);
     }
+    return sync();
+}
+
+bool TemporaryFile::sync() const {
     return m_file.isOpen() && uninterrupted([&] { return ::fsync(m_file.get()); }) == 0;
+}
+
+bool TemporaryFile::seal() {
+    const QByteArray same = "/proc/self/fd/" + QByteArray::number(m_file.get());
+    FileDescriptor reading(uninterrupted([&] { return ::open(same, O_RDONLY | O_CLOEXEC); }));
+    if (!reading.isOpen() || FileIdentity::of(reading.get()) != FileIdentity::of(m_file.get()))
+        return false;
+    // Closed first: its lock is in the way of the other's.
+    FileDescriptor(std::exchange(m_file, FileDescriptor(-1)));
+    m_file = std::move(reading);
+    return lockOwn(m_file.get());
+}
+
+bool TemporaryFile::hasItsName() const {
+    const std::optional<FileIdentity> own = FileIdentity::of(m_file.get());
+    return own && own == FileIdentity::of(m_path);
 }
 
 bool TemporaryFile::takePlace() {

@@ -17,6 +17,21 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+    bool isOpen() const { return m_file.isOpen(); }
+
+    /// For whoever fills it piece by piece; open for writing.
+    int descriptor() const { return m_file.get(); }
+
+    /// Waits until what was written is on the disk.
+    [[nodiscard]] bool sync() const;
+
+    /// Ends the writing: the descriptor is closed, and one for reading takes its place. That is of this very file,
+    /// whatever has its name by now.
+    [[nodiscard]] bool seal();
+
+    /// Whether its name stands for this file still, and for nothing else that somebody put there.
+    bool hasItsName() const;
+
     /// Gives it mode 0644.
     [[nodiscard]] bool letEveryoneRead() const;
 

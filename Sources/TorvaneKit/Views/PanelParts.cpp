@@ -4,15 +4,14 @@
 #include "Design/DesignSystem.h"
 #include "Views/Composition.h"
 #include "Views/Drawing.h"
-#include "Views/ReturnKey.h"
 #include "Views/Rule.h"
 #include "Views/SettingCard.h"
 #include "Views/StatusDot.h"
 #include "Views/Switch.h"
+#include "Views/TextButton.h"
 #include "Views/TextLabel.h"
 #include "Views/TextLine.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace torvane {
@@ -49,37 +48,6 @@ protected:
 
 private:
     QString m_text;
-};
-
-class OutlineButton final : public QAbstractButton {
-public:
-    explicit OutlineButton(const QString& text) {
-        setText(text);
-        setFont(Fonts::sans(12, QFont::Normal));
-        setAttribute(Qt::WA_Hover);
-        setFocusPolicy(Qt::StrongFocus);
-        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    }
-
-    QSize sizeHint() const override {
-        return {fontMetrics().horizontalAdvance(text()) + 2 * 11, fontMetrics().height() + 2 * 5};
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        constexpr double unavailableOpacity = 0.5;
-        QPainter painter(this);
-        painter.setOpacity(isEnabled() ? 1 : unavailableOpacity);
-        const QColor fill = isDown() ? Palette::surface3 : underMouse() ? Palette::surface2 : Palette::surface;
-        drawRoundedRect(painter, rect(), 7, fill, Palette::ink4);
-        painter.setPen(Palette::ink);
-        painter.drawText(rect(), Qt::AlignCenter, text());
-    }
-
-    void keyPressEvent(QKeyEvent* event) override {
-        if (!pressByReturn(*this, *event))
-            QAbstractButton::keyPressEvent(event);
-    }
 };
 
 QWidget* subtitleLabel(const QString& text) {
@@ -150,7 +118,7 @@ QWidget* PanelParts::capsule(const QString& text) {
 }
 
 QAbstractButton* PanelParts::outlineButton(const QString& text) {
-    return new OutlineButton(text);
+    return new TextButton(text);
 }
 
 QWidget* PanelParts::card(QWidget* content, const QString& note) {

@@ -1,6 +1,7 @@
 #include "Views/Paragraph.h"
 
 #include <QTextLayout>
+#include <QTextOption>
 
 namespace torvane {
 
@@ -9,6 +10,9 @@ namespace {
 QStringList wrapped(const QString& text, const QFont& font, int width) {
     QStringList lines;
     QTextLayout layout(text, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere); // A path or an address may be one long word.
+    layout.setTextOption(option);
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);

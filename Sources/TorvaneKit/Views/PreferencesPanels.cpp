@@ -108,8 +108,18 @@ QWidget* aboutHeader() {
     return header;
 }
 
+/// Says of a control of updates what it is no use for, in a build without a key.
+void tellWhetherUseless(QWidget& control) {
+    if (!Config::updatePublicKey().isEmpty())
+        return;
+    const QString why = u"This build takes no updates: it has no key to verify them with."_s;
+    control.setToolTip(why);
+    control.setAccessibleDescription(why);
+}
+
 QWidget* automaticSwitch(UpdaterState& updater) {
     auto* toggle = new Switch(u"Automatically check for updates"_s);
+    tellWhetherUseless(*toggle);
     toggle->setChecked(updater.automaticChecks);
     updater.automaticChecks.observe(toggle, [toggle](bool isOn) { toggle->setChecked(isOn); });
     QObject::connect(toggle, &QAbstractButton::clicked, toggle, [&updater](bool isOn) { updater.setAutomatic(isOn); });
@@ -118,6 +128,7 @@ QWidget* automaticSwitch(UpdaterState& updater) {
 
 QWidget* checkButton(UpdaterState& updater) {
     QAbstractButton* button = outlineButton(u"Check for Updates…"_s);
+    tellWhetherUseless(*button);
     button->setEnabled(updater.canCheck);
     updater.canCheck.observe(button, [button](bool canCheck) { button->setEnabled(canCheck); });
     // Later: what checks may open a window, and this click is not over yet.

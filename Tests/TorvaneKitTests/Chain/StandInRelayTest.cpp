@@ -9,7 +9,9 @@
 #include "Support/StandInNodes.h"
 #include "Support/TestConfig.h"
 
+#include <QFile>
 #include <QLoggingCategory>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace torvane;
@@ -200,11 +202,27 @@ private Q_SLOTS:
         QVERIFY(ethereum());
     }
 
+    void itPublishesTheFilesOfAFolderAsTheyAre() {
+        const QTemporaryDir folder;
+        QFile feed(folder.filePath(QStringLiteral("appcast.xml")));
+        QVERIFY(feed.open(QIODevice::WriteOnly) && feed.write("<rss/>") == 6);
+        feed.close();
+        QCOMPARE(Fetch::outcomeOf(feedURL()), QStringLiteral("http 404"));
+        QCOMPARE(order("publish " + QFile::encodeName(folder.path())), QStringLiteral("\"\""));
+        QCOMPARE(Fetch::outcomeOf(feedURL()), QStringLiteral("\"<rss/>\""));
+        QCOMPARE(order("updates off"), QStringLiteral("\"\""));
+        QVERIFY(Fetch::outcomeOf(feedURL()).startsWith(QLatin1String("connection")));
+        QCOMPARE(order("updates normal"), QStringLiteral("\"\""));
+        QVERIFY(feed.remove());
+        QCOMPARE(Fetch::outcomeOf(feedURL()), QStringLiteral("http 404"));
+    }
+
     void anOrderThatItDoesNotUnderstandIsRefused_data() {
         QTest::addColumn<QByteArray>("order");
         for (const char* order :
              {"", "nodes", "nodes asleep", "nodes status 99", "answer error", "baseFee much", "baseFee nan",
-              "baseFee -1", "moment noon", "moment 2026-03-03T14:00:00", "certificate none", "stop"})
+              "baseFee -1", "moment noon", "moment 2026-03-03T14:00:00", "certificate none", "publish", "publish here",
+              "publish /no/such/folder", "updates error", "stop"})
             QTest::newRow(*order ? order : "nothing") << QByteArray(order);
     }
 
@@ -227,6 +245,7 @@ private:
             Request{.url = m_relay->server().url(QStringLiteral("/control")), .method = "POST", .body = text});
     }
 
+    QUrl feedURL() const { return m_relay->server().url(QStringLiteral("/torvane/appcast.xml")); }
     QUrl snapshotURL() const { return m_relay->server().url(QStringLiteral("/snapshot.json")); }
 
     std::unique_ptr<StandInRelay> m_relay;

@@ -1,4 +1,5 @@
 #include "SelfCheckingValue.h"
+#include "Support/OwnMounts.h"
 #include "Support/TestFiles.h"
 #include "Support/UserDefaults.h"
 #include "Support/Worker.h"
@@ -10,7 +11,6 @@
 #include <QTest>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace torvane;
 
@@ -47,17 +47,7 @@ struct Progress {
     }
 };
 
-/// The command that runs another one in a mount namespace of its own, after a piece of shell in which "$0" is a
-/// directory.
-QStringList inOwnMounts(const QString& shell, const QString& directory) {
-    QStringList command{QStringLiteral("unshare"), QStringLiteral("--mount")};
-    if (::geteuid() != 0)
-        command.append(QStringLiteral("--map-root-user"));
-    return command + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), shell + QStringLiteral(" && exec \"$@\""),
-                                 directory};
-}
-
-const QString smallDisk = QStringLiteral("mount -t tmpfs -o size=96k,mode=0700 none \"$0\"");
+const QString smallDisk = OwnMounts::smallDisk(96);
 
 } // namespace
 
@@ -120,9 +110,9 @@ private Q_SLOTS:
         const QString filler = QStringLiteral("filler");
         QTest::newRow("a limit on the size of files")
             << QStringList() << QStringLiteral("limitFileSize:30") << QStringLiteral("limitFileSize:-1");
-        if (mayMount()) {
+        if (OwnMounts::areAllowed()) {
             QTest::newRow("a small disk")
-                << inOwnMounts(smallDisk, QStringLiteral("HOME")) << QStringLiteral("fillDisk:HOME/") + filler
+                << OwnMounts::wrapper(smallDisk, QStringLiteral("HOME")) << QStringLiteral("fillDisk:HOME/") + filler
                 << QStringLiteral("remove:HOME/") + filler;
         }
     }
@@ -158,10 +148,10 @@ private Q_SLOTS:
     void aReadOnlyPlaceIsReadAndValuesStayInMemory_data() {
         QTest::addColumn<QStringList>("wrapper");
         QTest::newRow("directories without the right to write") << QStringList();
-        if (mayMount()) {
+        if (OwnMounts::areAllowed()) {
             QTest::newRow("a read-only disk")
-                << inOwnMounts(QStringLiteral("mount --bind \"$0\" \"$0\" && mount -o remount,bind,ro \"$0\""),
-                               QStringLiteral("HOME"));
+                << OwnMounts::wrapper(QStringLiteral("mount --bind \"$0\" \"$0\" && mount -o remount,bind,ro \"$0\""),
+                                      QStringLiteral("HOME"));
         }
     }
 
@@ -230,19 +220,6 @@ private:
         program.waitForFinished(patience);
         progress.read(program);
         return progress;
-    }
-
-    /// Whether this user may mount in a namespace of their own; in some containers nobody may.
-    bool mayMount() const {
-        const QTemporaryDir probe;
-        const QStringList command = inOwnMounts(smallDisk, probe.path()) + QStringList{QStringLiteral("true")};
-        QProcess program;
-        program.start(command.first(), command.sliced(1));
-        const bool isMounted = program.waitForFinished(patience) && program.exitStatus() == QProcess::NormalExit &&
-                               program.exitCode() == 0;
-        if (!isMounted)
-            qInfo("Nobody may mount here, so the rows with disks of their own are left out.");
-        return isMounted;
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;

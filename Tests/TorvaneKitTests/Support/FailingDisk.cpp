@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdarg>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -41,6 +42,8 @@ bool fails(std::string_view function, Subject subject) {
         return false;
     const int call = ++g_calls;
     const bool isFailing = g_fault.call > 0 && (g_fault.isLasting ? call >= g_fault.call : call == g_fault.call);
+    if (isFailing && g_fault.kills)
+        ::raise(SIGKILL);
     if (isFailing)
         errno = g_fault.error;
     return isFailing;

@@ -15,6 +15,7 @@ struct Fault {
     bool isLasting = false;   ///< all later calls fail too
     bool writesShort = false; ///< no fault at all, but each write takes a few bytes only
     std::string_view only{};  ///< the one function whose calls count, such as "fsync"; empty for all
+    bool kills = false;       ///< the process is killed at that call instead
 };
 
 /// Starts counting the calls that concern what is below this directory.

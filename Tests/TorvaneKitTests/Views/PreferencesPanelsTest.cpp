@@ -1,5 +1,6 @@
 #include "Views/PreferencesPanels.h"
 
+#include "Support/TestConfig.h"
 #include "TorvaneKitTests/Views/PreferencesFixture.h"
 #include "Views/ChainPicker.h"
 #include "Views/L2Metadata.h"
@@ -210,6 +211,19 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(checks, 1, 30'000);
         m_user->updater.canCheck = false;
         QVERIFY(!button->isEnabled());
+    }
+
+    void aBuildWithoutAKeySaysWhyNothingCanBeChecked() {
+        const auto said = [this](const QString& key) {
+            TestConfig::setUpdatePublicKey(key);
+            m_user->open(Section::about);
+            const QAbstractButton* button = checkButton();
+            return QStringList{button->toolTip(), button->accessibleDescription()};
+        };
+        const QString why = u"This build takes no updates: it has no key to verify them with."_s;
+        QCOMPARE(said({}), (QStringList{why, why}));
+        QCOMPARE(said(u"c29tZSBrZXk="_s), (QStringList{QString(), QString()}));
+        TestConfig::setUpdatePublicKey({});
     }
 
     void spaceAndReturnCheckForUpdates() {

@@ -169,6 +169,13 @@ private Q_SLOTS:
         QVERIFY(columns && columns->second <= 150);
         QCOMPARE(narrow.accessibleName(), text);
     }
+
+    void aParagraphBreaksAWordThatIsTooLong() {
+        Paragraph paragraph(style(), 150, u"in /a/path/"_s + QString(200, u'x'));
+        QVERIFY(paragraph.sizeHint().height() >= 4 * 16);
+        const auto columns = inkedColumns(drawn(paragraph, 400));
+        QVERIFY(columns && columns->second <= 150);
+    }
 };
 
 QTEST_MAIN(TextLineTest)

@@ -1,0 +1,114 @@
+#include "Takeover.h"
+
+#include "Platform/ApplicationInstance.h"
+#include "Platform/InstanceSocket.h"
+#include "Support/Worker.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QFile>
+#include <QProcessEnvironment>
+#include <QSocketNotifier>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace torvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds lookInterval = 200ms;
+
+/// The session's environment, without what was meant for the launch of this program alone.
+QList<QByteArray> environment() {
+    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+    for (const QString& once :
+         {u"XDG_ACTIVATION_TOKEN"_s, u"DESKTOP_STARTUP_ID"_s, u"DBUS_STARTER_ADDRESS"_s, u"DBUS_STARTER_BUS_TYPE"_s,
+          u"LISTEN_FDS"_s, u"LISTEN_FDNAMES"_s, u"LISTEN_PID"_s, u"NOTIFY_SOCKET"_s})
+        all.remove(once);
+    QList<QByteArray> list;
+    for (const QString& assignment : all.toStringList())
+        list.append(assignment.toLocal8Bit());
+    return list;
+}
+
+} // namespace
+
+Takeover::Takeover(QDBusConnection bus, QString id, std::chrono::milliseconds limit)
+    : m_bus(std::move(bus))
+    , m_id(std::move(id))
+    , m_place(m_id, m_bus, QDBusServiceWatcher::WatchForOwnerChange) {
+    connect(&m_place, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) { ownerChanged(owner); });
+    connect(&m_limit, &QTimer::timeout, this, [this] { decide(false); });
+    connect(&m_nextLook, &QTimer::timeout, this, &Takeover::lookForSocket);
+    m_limit.setSingleShot(true);
+    m_limit.setInterval(limit);
+}
+
+Takeover::~Takeover() {
+    if (!m_program || m_isThere)
+        return;
+    m_program->kill();
+    worker().start([program = m_program] { program->reap(); }); // The kernel may take a moment to end it.
+}
+
+void Takeover::start(const QString& executable) {
+    const QByteArray file = QFile::encodeName(executable);
+    m_program = std::make_shared<ChildProcess>(Command{file, {file}, environment()});
+    auto* ending = new QSocketNotifier(m_program->ending(), QSocketNotifier::Read, this);
+    connect(ending, &QSocketNotifier::activated, this, [this, ending] {
+        ending->setEnabled(false);
+        decide(false);
+    });
+    m_limit.start();
+    if (!m_bus.isConnected())
+        m_nextLook.start(lookInterval);
+}
+
+void Takeover::ownerChanged(const QString& owner) {
+    if (owner.isEmpty())
+        return;
+    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                                       u"org.freedesktop.DBus"_s, u"GetConnectionUnixProcessID"_s);
+    call.setArguments({owner});
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, owner] {
+        watcher->deleteLater();
+        ownerKnown(*watcher, owner);
+    });
+}
+
+/// It has the place; that it answers there as well says that it has come all the way up.
+void Takeover::ownerKnown(const QDBusPendingCallWatcher& reply, const QString& owner) {
+    const QDBusPendingReply<uint> process(reply);
+    if (process.isError() || !m_program || static_cast<pid_t>(process.value()) != m_program->id())
+        return;
+    const QDBusMessage call = QDBusMessage::createMethodCall(owner, ApplicationInstance::objectPath(m_id),
+                                                             u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, m_limit.interval()), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        if (watcher->reply().type() == QDBusMessage::ReplyMessage)
+            decide(true);
+    });
+}
+
+void Takeover::lookForSocket() {
+    if (m_program && InstanceSocket::isHeldBy(m_program->id(), m_id))
+        decide(true);
+}
+
+void Takeover::decide(bool isThere) {
+    if (std::exchange(m_isDecided, true))
+        return;
+    m_limit.stop();
+    m_nextLook.stop();
+    m_isThere = isThere;
+    m_outcome.set(isThere);
+}
+
+} // namespace torvane

@@ -1,0 +1,19 @@
+// A program to be updated, or to be updated to. What it says of itself, and how it behaves, is compiled in.
+
+#include "TorvaneUpdates/ProgramNote.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+TORVANE_PROGRAM_NOTE(SAMPLE_PRODUCT, SAMPLE_VERSION, SAMPLE_ARCHITECTURE);
+
+int main() {
+    if (SAMPLE_CRASHES)
+        std::abort();
+    std::puts("velisk " SAMPLE_SAYS);
+    std::fflush(stdout);
+    while (SAMPLE_HANGS)
+        ::pause();
+    return SAMPLE_STATUS;
+}

@@ -1,0 +1,107 @@
+#include "Support/TestFiles.h"
+#include "TorvaneKitTests/Support/FailingDisk.h"
+#include "TorvaneUpdatesTests/UpdateRig.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cerrno>
+
+using namespace torvane;
+using namespace torvane::Updates;
+using namespace Qt::StringLiterals;
+using FailingDisk::Fault;
+
+namespace {
+
+const QByteArray seed(32, 's');
+const QStringList programAlone{u"velisk"_s};
+
+} // namespace
+
+/// Each call of an update to its disk fails in turn. Whatever call it is, there is one whole program, and the next
+/// update on a good disk succeeds and leaves nothing over.
+class UpdateFaultsTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        const QString memory = u"/dev/shm"_s; // The faults are made here, so a disk in memory will do.
+        const QString place = QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
+        m_directory = std::make_unique<QTemporaryDir>(place + u"/UpdateFaultsTest-XXXXXX"_s);
+        QVERIFY(m_directory->isValid());
+    }
+
+    void cleanup() { FailingDisk::disarm(); }
+
+    void aFailingCallLeavesOneWholeProgram_data() {
+        QTest::addColumn<int>("error");
+        QTest::addColumn<bool>("isLasting");
+        QTest::newRow("no space, once") << ENOSPC << false;
+        QTest::newRow("no space from then on") << ENOSPC << true;
+        QTest::newRow("disk error, once") << EIO << false;
+        QTest::newRow("disk error from then on") << EIO << true;
+        QTest::newRow("not permitted from then on") << EACCES << true;
+    }
+
+    void aFailingCallLeavesOneWholeProgram() {
+        QFETCH(int, error);
+        QFETCH(bool, isLasting);
+        int call = 0;
+        int calls = 0;
+        int failures = 0;
+        do {
+            ++call;
+            QVERIFY(QDir(folder() + u"/bin"_s).removeRecursively());
+            calls = updateWith({call, error, isLasting}, failures);
+            if (QTest::currentTestFailed())
+                qFatal("at call %d", call);
+        } while (call <= calls);
+        QVERIFY2(calls > 15 && failures > 10, "too few calls were made to fail");
+    }
+
+private:
+    QString folder() const { return m_directory->path(); }
+
+    int updateWith(const Fault& fault, int& failures) const {
+        int calls = 0;
+        {
+            UpdateRig rig(folder(), seed);
+            rig.publishNew();
+            rig.start();
+            rig.updater->setAutomaticallyChecksForUpdates(false);
+            rig.waitUntilReady();
+            FailingDisk::arm(QFile::encodeName(rig.programFolder()), fault);
+            rig.installByHand();
+            const bool hasFailed = rig.windows.kind() == u"failed"_s;
+            rig.updater.reset();
+            calls = FailingDisk::disarm();
+            failures += hasFailed;
+            requireWhole(rig, hasFailed);
+        }
+        UpdateRig rig(folder(), seed);
+        rig.publish({{.version = u"3.0"_s, .payload = UpdateRig::sample("newer")}});
+        rig.start();
+        rig.waitUntilReady();
+        [&] { QCOMPARE(TestFiles::entriesOf(rig.programFolder()), programAlone); }();
+        rig.installByHand();
+        [&] { QCOMPARE(TestFiles::contentOf(rig.program()), UpdateRig::sample("newer")); }();
+        [&] { QCOMPARE(TestFiles::entriesOf(rig.programFolder()), programAlone); }();
+        return calls;
+    }
+
+    static void requireWhole(const UpdateRig& rig, bool hasFailed) {
+        const QByteArray content = TestFiles::contentOf(rig.program());
+        QVERIFY(QFileInfo(rig.program()).isExecutable());
+        QVERIFY(content == UpdateRig::sample("old") || content == UpdateRig::sample("new"));
+        QCOMPARE(rig.replaced, hasFailed ? 0 : 1);
+        if (!hasFailed)
+            QCOMPARE(content, UpdateRig::sample("new"));
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+};
+
+QTEST_GUILESS_MAIN(UpdateFaultsTest)
+#include "UpdateFaultsTest.moc"
