@@ -14,8 +14,8 @@ struct Command final {
     QByteArray file;             // its path
     QList<QByteArray> arguments; // the name of the program first
     QList<QByteArray> environment;
-    int output = -1;             // its standard output, or what it inherits as such and as standard error
-    int program = -1;            // an open file that `file` names as programDescriptor, or none
+    int output = -1;  // its standard output, or what it inherits as such and as standard error
+    int program = -1; // an open file that `file` names as programDescriptor, or none
 };
 
 /// A program that was started, in a session of its own. Destroying it neither ends nor awaits it.
