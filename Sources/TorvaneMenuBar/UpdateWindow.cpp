@@ -220,7 +220,16 @@ QWidget* UpdateWindow::button(const UpdateChoice& choice) {
     return button;
 }
 
+void UpdateWindow::appear() {
+    if (QGuiApplication::focusWindow())
+        return bringToFront();
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    show();
+    raise();
+}
+
 void UpdateWindow::bringToFront() {
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();

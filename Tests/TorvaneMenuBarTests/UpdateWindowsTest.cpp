@@ -86,6 +86,25 @@ private Q_SLOTS:
         QVERIFY(isGone());
     }
 
+    void aWindowThatNobodyAskedForLeavesTheKeyboardWhereItIs() {
+        QVERIFY(!QGuiApplication::focusWindow());
+        m_windows->show(Found{UpdateScenes::offer()}, {});
+        QVERIFY(window()->isVisible());
+        QVERIFY(window()->testAttribute(Qt::WA_ShowWithoutActivating));
+        m_windows->bringToFront();
+        QVERIFY(!window()->testAttribute(Qt::WA_ShowWithoutActivating));
+        QVERIFY(QTest::qWaitForWindowActive(window(), limitMs));
+    }
+
+    void whoIsAtWorkWithTheProgramGetsItWithTheKeyboard() {
+        QWidget other;
+        other.show();
+        QVERIFY(QTest::qWaitForWindowActive(&other, limitMs));
+        m_windows->show(Found{UpdateScenes::offer()}, {});
+        QVERIFY(!window()->testAttribute(Qt::WA_ShowWithoutActivating));
+        QVERIFY(QTest::qWaitForWindowActive(window(), limitMs));
+    }
+
     void itIsAnOrdinaryWindowOfAFixedSize() {
         show(Checking{});
         QCOMPARE(window()->windowType(), Qt::Window);
