@@ -62,13 +62,23 @@ withoutSystemdItIsSaidHowTheRelayStarts() {
     home
     without_systemd
     install_velisk
-    expect_output_has 'its relay is not started'
+    expect_output_has 'No systemd runs for you here, so its relay is not started'
     expect_output_has "    \"$HOME/.local/bin/velisk-relay\" --serve localhost:"
     uninstall_velisk
 }
 
+whereSystemdRefusesTheRelayThatIsSaid() {
+    home
+    write_program bin/systemctl <<<$'#!/bin/sh\n[ "$2" != enable ] || { echo "Unit file does not exist." >&2; exit 1; }'
+    install_velisk
+    expect_output_has 'Unit file does not exist.'
+    expect_output_has "Your systemd does not take the relay's unit"
+    expect_output_has "    \"$HOME/.local/bin/velisk-relay\" --serve localhost:"
+    expect_output_lacks 'No systemd runs'
+}
+
 aLinkOfSystemdIsRemovedWhereSystemdIsNot() {
-    local wants="$HOME"
+    local wants
     home
     install_velisk
     wants=$HOME/.config/systemd/user/default.target.wants
@@ -110,8 +120,10 @@ anInterruptedInstallationCanBeRemoved() {
 aProgramThatRunsKeepsItsFile() {
     home
     install_velisk
+    expect_output_lacks 'that is still the one before'
     exec 3<"$HOME/.local/bin/velisk"
     install_velisk
+    expect_output_has 'If it runs, that is still the one before: quit it and start it again.'
     [ "$(stat -L -c %h /proc/self/fd/3)" = 0 ] || fail "the file was written over"
     exec 3<&-
 }
