@@ -162,6 +162,36 @@ aHomeThatDesktopEntriesCannotNameIsRefused() {
     [ -z "$(ls -A "$HOME")" ] || fail "something is installed"
 }
 
+rootOnBehalfOfAnotherIsRefused() {
+    home
+    contents >before
+    write_program bin/id <<<$'#!/bin/sh\necho 0'
+    SUDO_USER=ann run "$tree/scripts/install"
+    expect_status 1
+    expect_output_has 'run it as ann, without sudo'
+    contents | diff before - || fail "something is installed"
+}
+
+whatWouldBeRefusedIsSaidBeforeAnythingIsBuilt() {
+    home
+    contents >before
+    mkdir none
+    TORVANE_BUILD=$PWD/none run "$tree/scripts/install" --check
+    expect_status 0
+    expect_output ''
+    contents | diff before - || fail "something is installed"
+    HOME="$PWD/costs %5" run "$tree/scripts/install" --check
+    expect_status 1
+    run make --no-print-directory --dry-run --directory="$tree" install
+    [ "$(head -n 1 <<<"$output")" = 'scripts/install --check' ] || fail "make builds before it asks"
+}
+
+withoutAHomeThatIsSaid() {
+    HOME='' run "$tree/scripts/install"
+    expect_status 1
+    expect_output_has 'HOME: has to name your home'
+}
+
 whatIsNotInstalledCannotBeRemoved() {
     home
     contents >before
