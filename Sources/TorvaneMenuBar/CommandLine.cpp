@@ -10,6 +10,7 @@ namespace {
 
 /// As shells and most programs have it for a command line that makes no sense.
 constexpr int wrongUse = 2;
+constexpr int cannotRun = 1;
 
 QString help() {
     return u"Use: velisk\n"
@@ -32,6 +33,18 @@ std::optional<CommandLineAnswer> answerToArguments(const QStringList& arguments)
         return CommandLineAnswer{help(), 0};
     return CommandLineAnswer{
         u"velisk takes no arguments but --help and --version, so not: "_s + arguments.join(u' ') + u'\n', wrongUse};
+}
+
+std::optional<CommandLineAnswer> answerToNoDesktop() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(name))
+            return std::nullopt;
+    }
+    // Wayland's library has a default for the display's name.
+    if (qgetenv("XDG_SESSION_TYPE") == "wayland")
+        return std::nullopt;
+    return CommandLineAnswer{u"velisk needs a desktop: neither DISPLAY nor WAYLAND_DISPLAY is set here.\n"_s,
+                             cannotRun};
 }
 
 } // namespace torvane

@@ -17,4 +17,8 @@ struct CommandLineAnswer {
 /// The answer to these arguments, the program's own name left out; none when there are none, and the program is to run.
 std::optional<CommandLineAnswer> answerToArguments(const QStringList& arguments);
 
+/// The answer where the environment names no desktop; none where it names one. Qt would end the program by SIGABRT,
+/// and advise to install it anew.
+std::optional<CommandLineAnswer> answerToNoDesktop();
+
 } // namespace torvane

@@ -31,6 +31,8 @@ int main(int argc, char** argv) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     if (const auto answer = torvane::answerToArguments(arguments))
         return print(*answer);
+    if (const auto answer = torvane::answerToNoDesktop())
+        return print(*answer);
 
     torvane::shareMemoryAmongThreads();
     torvane::keepLargeBlocksApart();

@@ -40,6 +40,40 @@ private Q_SLOTS:
         QCOMPARE(answer->text.count(u'\n'), 1);
         QVERIFY(answer->text.endsWith(arguments.join(u' ') + u'\n'));
     }
+
+    void whereNoDesktopIsNamedItDoesNotRun() {
+        leaveTheDesktop();
+        const auto answer = answerToNoDesktop();
+        QVERIFY(answer);
+        QCOMPARE(answer->status, 1);
+        QCOMPARE(answer->text.count(u'\n'), 1);
+        qputenv("DISPLAY", "");
+        QCOMPARE(answerToNoDesktop(), answer);
+    }
+
+    void whereOneIsNamedItRuns_data() {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("value");
+        QTest::newRow("X") << QByteArray("DISPLAY") << QByteArray(":0");
+        QTest::newRow("Wayland") << QByteArray("WAYLAND_DISPLAY") << QByteArray("wayland-1");
+        QTest::newRow("an open connection") << QByteArray("WAYLAND_SOCKET") << QByteArray("3");
+        QTest::newRow("a platform of Qt's") << QByteArray("QT_QPA_PLATFORM") << QByteArray("offscreen");
+        QTest::newRow("a session on Wayland") << QByteArray("XDG_SESSION_TYPE") << QByteArray("wayland");
+    }
+
+    void whereOneIsNamedItRuns() {
+        QFETCH(QByteArray, name);
+        QFETCH(QByteArray, value);
+        leaveTheDesktop();
+        qputenv(name, value);
+        QVERIFY(!answerToNoDesktop());
+    }
+
+private:
+    static void leaveTheDesktop() {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM", "XDG_SESSION_TYPE"})
+            qunsetenv(name);
+    }
 };
 
 QTEST_GUILESS_MAIN(CommandLineTest)
