@@ -160,6 +160,11 @@ private Q_SLOTS:
             "The update feed has a text that is too long.");
         row("too many attributes", SampleFeed::of("<item " + many(60000, "a#='' ") + "/>"),
             "The update feed has an element of too many attributes.");
+        row("too many attributes with more in them", SampleFeed::of("<item " + many(300, "a#='>' b#=\"'/>\" ") + "/>"),
+            "The update feed has an element of too many attributes.");
+        row("too many attributes behind an open quote",
+            SampleFeed::of("<!-- <a b=\" --><item " + many(300, "a#='' ") + "/>"),
+            "The update feed has an element of too many attributes.");
         row("too many namespaces", SampleFeed::of("<item " + many(40000, "xmlns:a#\n=\n\"u\" ") + "/>"),
             "The update feed has an element of too many attributes.");
     }
@@ -205,6 +210,34 @@ private Q_SLOTS:
         QCOMPARE(outcomeOf("\xef\xbb\xbf" + SampleFeed::of(SampleFeed::item("1"))), QStringLiteral("1"));
     }
 
+    void quotesInANoteAreNotTakenForAttributes() {
+        const QByteArray links = QByteArray("&lt;a href=\"x\"> &gt; ").repeated(1000);
+        QCOMPARE(outcomeOf(SampleFeed::of(SampleFeed::item("1", "<description>" + links + "</description>"))),
+                 QStringLiteral("1"));
+    }
+
+    /// The text is UTF-8, whatever it calls itself: nothing is looked at in one way and read in another.
+    void aDeclaredEncodingChangesNothing() {
+        for (const QByteArray encoding : {"UTF-16", "ISO-8859-1", "UTF-7", "none"}) {
+            const QByteArray item = SampleFeed::item("1", "<description>\xc3\xa4</description>");
+            const QByteArray feed = SampleFeed::of(item).replace("\"utf-8\"", '"' + encoding + '"');
+            QVERIFY(feed.contains(encoding));
+            const QList<AppcastItem> items = readAppcast(feed);
+            QCOMPARE(items.size(), 1);
+            QCOMPARE(items.first().notes, QString::fromUtf8("\xc3\xa4"));
+        }
+    }
+
+    /// Of address, length and signature nothing is ever put together from two.
+    void ofSeveralEnclosuresTheLastCountsAsAWhole() {
+        const QByteArray version = "<item><sparkle:version>1</sparkle:version>";
+        const QByteArray other = "<enclosure url=\"https://other.example/\" length=\"7\"/>";
+        QCOMPARE(outcomeOf(SampleFeed::of(version + SampleFeed::enclosure() + other + "</item>")), QStringLiteral("0"));
+        const AppcastItem item = onlyItem(version + other + SampleFeed::enclosure() + "</item>");
+        QCOMPARE(item.url, QUrl(QStringLiteral("https://localhost/torvane/velisk")));
+        QCOMPARE(item.length, qint64(1000));
+    }
+
     void anIncompleteItemIsLeftOut_data() {
         QTest::addColumn<QByteArray>("item");
         const QByteArray item = SampleFeed::item("1");
@@ -233,6 +266,8 @@ private Q_SLOTS:
         with("a file", "https://localhost", "file://localhost");
         with("a relative address", "https://localhost", "");
         with("no host", "https://localhost", "https://");
+        with("somebody's name in the address", "https://localhost", "https://velisk.example@localhost");
+        with("no such port", "https://localhost", "https://localhost:70000");
         with("no length", "length=", "size=");
         with("length 0", "\"1000\"", "\"0\"");
         with("a length below zero", "\"1000\"", "\"-1000\"");
@@ -240,12 +275,15 @@ private Q_SLOTS:
         with("a length in words", "\"1000\"", "\"1000 bytes\"");
         with("a length in hexadecimal", "\"1000\"", "\"0x1000\"");
         with("a length beyond all numbers", "\"1000\"", "\"99999999999999999999\"");
+        with("a length beyond the largest number", "\"1000\"", "\"9223372036854775808\"");
         with("a length beyond the cap", "\"1000\"", "\"268435457\"");
         with("no signature", "sparkle:edSignature", "sparkle:dsaSignature");
         with("a signature of no namespace", "sparkle:edSignature", "edSignature");
         with("an empty signature", sampleSignature().toBase64().constData(), "");
         with("a short signature", sampleSignature().toBase64().constData(), QByteArray(63, 's').toBase64());
         with("a long signature", sampleSignature().toBase64().constData(), QByteArray(65, 's').toBase64());
+        with("a blank in the signature", sampleSignature().toBase64().constData(),
+             sampleSignature().toBase64().insert(40, ' '));
         with("a signature that is not base64", sampleSignature().toBase64().constData(), QByteArray(88, '!'));
     }
 
@@ -266,7 +304,8 @@ private Q_SLOTS:
     }
 
     void linksThatAreNotOfTheWebAreDropped() {
-        for (const QByteArray link : {"javascript:alert(1)", "file:///etc/passwd", "data:text/html,x", "notes.html"}) {
+        for (const QByteArray link : {"javascript:alert(1)", "file:///etc/passwd", "data:text/html,x", "notes.html",
+                                      "https://velisk.example@evil.example/"}) {
             const AppcastItem item = onlyItem(SampleFeed::item(
                 "1", "<sparkle:releaseNotesLink>" + link + "</sparkle:releaseNotesLink><link>" + link + "</link>"));
             QCOMPARE(item.version, QStringLiteral("1"));
