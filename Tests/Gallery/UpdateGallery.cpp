@@ -1,12 +1,9 @@
-// Writes pictures of the updater's windows in all their states: UpdateGallery FOLDER. update-STATE-LOOK-SCALEx.png,
-// LOOK being light or dark.
-
 #include "Design/Theme.h"
 #include "Gallery/Gallery.h"
 #include "Support/UpdateScenes.h"
 #include "UpdateWindow.h"
 
-#include <QPixmap>
+#include <QImage>
 #include <QTest>
 
 using namespace torvane;
@@ -14,36 +11,43 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// At both scales.
-bool save(QWidget& widget, const QDir& folder, const QString& subject) {
+/// The open window at 1 and 2 pixels for a point; `state` and `caption` say what it shows.
+bool save(QWidget& window, const QString& state, const QString& caption, const QDir& folder) {
+    const QString look = currentAppearance() == Appearance::dark ? u"dark"_s : u"light"_s;
     bool ok = true;
     for (const int scale : {1, 2}) {
-        QPixmap picture(widget.size() * scale);
+        QImage picture(window.size() * scale, QImage::Format_RGB32);
         picture.setDevicePixelRatio(scale);
-        widget.render(&picture);
-        ok &= picture.save(folder.filePath(u"update-%1-%2x.png"_s.arg(subject).arg(scale)));
+        window.render(&picture);
+        picture.setText(u"Description"_s, caption);
+        ok &= picture.save(folder.filePath(u"update-%1-%2-%3x.png"_s.arg(state, look).arg(scale)));
     }
     return ok;
 }
 
-bool saveScene(const QString& subject, const Updates::Scene& scene, const QDir& folder) {
-    UpdateWindow window(pageOf(scene));
+bool open(UpdateWindow& window) {
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     window.bringToFront();
-    return QTest::qWaitForWindowActive(&window, 30'000) && save(window, folder, subject);
+    return QTest::qWaitForWindowActive(&window, 30'000);
+}
+
+bool saveScenes(const QDir& folder) {
+    bool ok = true;
+    for (const auto& [name, scene] : UpdateScenes::all()) {
+        const UpdatePage page = pageOf(scene);
+        UpdateWindow window(page);
+        ok &= open(window) && save(window, name, page.headline.left(60), folder);
+    }
+    return ok;
 }
 
 /// The ring that the keyboard brings.
-bool saveFocus(const QString& look, const QDir& folder) {
+bool saveFocus(const QDir& folder) {
     UpdateWindow window(pageOf(Updates::Found{UpdateScenes::offer()}));
-    window.setAttribute(Qt::WA_DeleteOnClose, false);
-    window.bringToFront();
-    if (!QTest::qWaitForWindowActive(&window, 30'000))
-        return false;
-    bool ok = true;
+    bool ok = open(window);
     for (const QString& stop : {u"link"_s, u"notes"_s}) {
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-        ok &= save(window, folder, u"focus-%1-%2"_s.arg(stop, look));
+        ok &= save(window, u"focus-"_s + stop, u"The keyboard is at the "_s + stop, folder);
     }
     return ok;
 }
@@ -51,11 +55,8 @@ bool saveFocus(const QString& look, const QDir& folder) {
 bool savePictures(Appearance appearance, const QDir& folder) {
     setCurrentAppearance(appearance);
     QApplication::setPalette(widgetPalette(appearance));
-    const QString look = appearance == Appearance::dark ? u"dark"_s : u"light"_s;
-    bool ok = true;
-    for (const auto& [name, scene] : UpdateScenes::all())
-        ok &= saveScene(name + u'-' + look, scene, folder);
-    return saveFocus(look, folder) && ok;
+    const bool ok = saveScenes(folder);
+    return saveFocus(folder) && ok;
 }
 
 bool writeAll(const QDir& folder) {

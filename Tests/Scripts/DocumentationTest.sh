@@ -105,10 +105,12 @@ theDiagramIsThatOfTheTable() {
     [ ! -s missing ] || fail "the diagram lacks: $(cat missing)"
 }
 
-theChangelogHasTheVersionThatIsBuilt() {
-    local version
+theChangelogHasTheVersionThatIsBuiltAndItsDate() {
+    local version date
     version=$(sed -n 's/^set(TORVANE_VERSION "\([^"]*\)".*/\1/p' "$tree/CMakeLists.txt")
-    grep -q "^## \[*$version" "$tree/CHANGELOG.md" || fail "the changelog lacks $version"
+    date=$(sed -n 's/.*<release version="@TORVANE_VERSION@" date="\([^"]*\)".*/\1/p' "$tree"/Packaging/*.metainfo.xml.in)
+    [ "$(grep -m 1 '^## ' "$tree/CHANGELOG.md")" = "## $version - $date" ] ||
+        fail "the changelog does not begin with $version of $date"
 }
 
 run_checks

@@ -348,7 +348,7 @@ private Q_SLOTS:
         QApplication::setPalette(widgetPalette(Appearance::light));
         QCOMPARE(dark.pixelColor(4, 4), Palette::paper.in(Appearance::dark));
         const NotesView* notes = parts<NotesView>().first();
-        QCOMPARE(dark.pixelColor(notes->mapTo(window(), QPoint(2, notes->height() - 3))),
+        QCOMPARE(dark.pixelColor(notes->mapTo(window(), QPoint(5, notes->height() / 2))),
                  Palette::surface.in(Appearance::dark));
     }
 
