@@ -32,7 +32,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # libcurl is loaded while the program runs, which no tool can see, and trusts whom the system trusts.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libcurl4 (>= 7.88), ca-certificates")
 # A panel offers its tray on the session's bus; a session without an X server needs Qt's other plugin.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, qt6-wayland")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, qt6-wayland, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "notification-daemon")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${maintainer_scripts})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

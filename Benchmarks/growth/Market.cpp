@@ -77,7 +77,8 @@ void Market::paintBadge() {
 }
 
 std::unique_ptr<PopoverWindow> Market::popover() {
-    auto window = std::make_unique<PopoverWindow>(std::make_unique<PopoverView>(m_store, m_settings), badge, workArea);
+    auto window = std::make_unique<PopoverWindow>(std::make_unique<PopoverView>(m_store, m_settings), badge, workArea,
+                                                  X11::Desktop());
     window->setAttribute(Qt::WA_DontShowOnScreen);
     window->show();
     QCoreApplication::sendPostedEvents();

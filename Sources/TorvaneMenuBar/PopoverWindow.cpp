@@ -83,6 +83,12 @@ bool PopoverWindow::event(QEvent* event) {
     return result;
 }
 
+/// What state the window manager gives the window is all the same to it. But Qt would ask the server for it at each
+/// change, and wait for the answer, twice before the first frame.
+bool PopoverWindow::nativeEvent(const QByteArray& eventType, void* message, qintptr*) {
+    return eventType == "xcb_generic_event_t" && X11::tellsOfWindowState(message);
+}
+
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
         Q_EMIT ended(PopoverEnd::escape);
@@ -131,8 +137,10 @@ void PopoverWindow::lookBelowPointerSoon() {
 
 void PopoverWindow::lookBelowPointer() {
     m_isLookDue = false;
+    if (!isVisible())
+        return;
     const QPoint pointer = QCursor::pos();
-    if (!isVisible() || !geometry().contains(pointer))
+    if (!geometry().contains(pointer))
         return;
     QMouseEvent rest(QEvent::MouseMove, mapFromGlobal(pointer), pointer, Qt::NoButton, QGuiApplication::mouseButtons(),
                      QGuiApplication::keyboardModifiers());

@@ -26,6 +26,8 @@ Task<bool> Successor::takesOver(QString executable) {
         co_return false; // Nobody has been started: the same as one that ends at once.
     }
     const bool isThere = co_await takeover.outcome();
+    Task<> ending = takeover.end();
+    co_await ending;
     co_return isThere;
 }
 

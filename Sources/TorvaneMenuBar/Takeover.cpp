@@ -22,6 +22,9 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds lookInterval = 200ms;
 
+/// The first may be answered just before it hears that it has the place, and begins in earnest.
+constexpr int questions = 2;
+
 /// The session's environment, without what was meant for the launch of this program alone.
 QList<QByteArray> environment() {
     QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
@@ -63,10 +66,18 @@ void Takeover::start(const QString& executable) {
     connect(ending, &QSocketNotifier::activated, this, [this, ending] {
         ending->setEnabled(false);
         decide(false);
+        m_ended.set(true);
     });
     m_limit.start();
     if (!m_bus.isConnected())
         m_nextLook.start(lookInterval);
+}
+
+Task<> Takeover::end() {
+    if (!m_program || m_isThere)
+        co_return;
+    m_program->kill();
+    co_await m_ended;
 }
 
 void Takeover::ownerChanged(const QString& owner) {
@@ -82,17 +93,25 @@ void Takeover::ownerChanged(const QString& owner) {
     });
 }
 
-/// It has the place; that it answers there as well says that it has come all the way up.
 void Takeover::ownerKnown(const QDBusPendingCallWatcher& reply, const QString& owner) {
     const QDBusPendingReply<uint> process(reply);
-    if (process.isError() || !m_program || static_cast<pid_t>(process.value()) != m_program->id())
-        return;
+    if (!process.isError() && m_program && static_cast<pid_t>(process.value()) == m_program->id())
+        ask(owner, questions);
+}
+
+/// It has the place; that it answers there as well says that it has come all the way up. Asked is what its main thread
+/// answers: with an error, since nothing is to be done. That comes from itself, and not from the bus or from a clock.
+void Takeover::ask(const QString& owner, int times) {
     const QDBusMessage call = QDBusMessage::createMethodCall(owner, ApplicationInstance::objectPath(m_id),
-                                                             u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
+                                                             u"org.freedesktop.Application"_s, u"ActivateAction"_s);
     auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, m_limit.interval()), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, owner, times] {
         watcher->deleteLater();
-        if (watcher->reply().type() == QDBusMessage::ReplyMessage)
+        if (watcher->reply().service() != owner)
+            return;
+        if (times > 1)
+            ask(owner, times - 1);
+        else
             decide(true);
     });
 }

@@ -30,9 +30,13 @@ public:
     /// Whether it has got there, once that is known.
     const Later<bool>& outcome() const { return m_outcome; }
 
+    /// Ends the program unless it has got there, and waits until what it held is free.
+    Task<> end();
+
 private:
     void ownerChanged(const QString& owner);
     void ownerKnown(const QDBusPendingCallWatcher& reply, const QString& owner);
+    void ask(const QString& owner, int times);
     void lookForSocket();
     void decide(bool isThere);
 
@@ -45,6 +49,7 @@ private:
     bool m_isDecided = false;
     bool m_isThere = false;
     const Later<bool> m_outcome;
+    const Later<bool> m_ended;
 };
 
 } // namespace torvane

@@ -4,6 +4,7 @@
 #include "NotesView.h"
 #include "Platform/WebPage.h"
 #include "ProgramIcon.h"
+#include "Support/Notice.h"
 #include "Views/Composition.h"
 #include "Views/FocusRing.h"
 #include "Views/PanelParts.h"
@@ -182,7 +183,10 @@ QWidget* UpdateWindow::notes() {
     if (!m_page.notesLink.isEmpty()) {
         auto* link = new TextButton(u"Release Notes…"_s);
         link->setAccessibleDescription(m_page.notesLink.toDisplayString());
-        connect(link, &QAbstractButton::clicked, this, [url = m_page.notesLink] { openWebPage(url); });
+        connect(link, &QAbstractButton::clicked, this, [url = m_page.notesLink] {
+            if (!openWebPage(url))
+                notice(u"No xdg-open here, which would open "_s + url.toDisplayString());
+        });
         heading->addWidget(link);
         parts->addSpacing(m_page.notes.isEmpty() ? 0 : 7);
     }
@@ -220,7 +224,16 @@ QWidget* UpdateWindow::button(const UpdateChoice& choice) {
     return button;
 }
 
+void UpdateWindow::appear() {
+    if (QGuiApplication::focusWindow())
+        return bringToFront();
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    show();
+    raise();
+}
+
 void UpdateWindow::bringToFront() {
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();

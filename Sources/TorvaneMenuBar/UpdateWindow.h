@@ -22,7 +22,11 @@ public:
     /// Shows another page; of one that differs in its progress alone, only that changes.
     void turnTo(const UpdatePage& page);
 
-    /// Shows the window in front of the others and gives it the keyboard.
+    /// Shows the window in front of the others. It takes the keyboard only where its user is at work with the program:
+    /// Return, meant for another program, must not answer here.
+    void appear();
+
+    /// The same for somebody who has asked for it: it takes the keyboard in any case.
     void bringToFront();
 
     /// Closes it without an answer.

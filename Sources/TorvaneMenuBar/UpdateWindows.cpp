@@ -24,7 +24,7 @@ void UpdateWindows::open(const UpdatePage& page) {
     delete m_window; // One that was closed a moment ago, and is to be discarded.
     m_window = new UpdateWindow(page);
     connect(m_window, &UpdateWindow::answered, this, &UpdateWindows::pass);
-    m_window->bringToFront();
+    m_window->appear();
 }
 
 /// Later: what follows may take the window away, and its click or key is not over yet. By then there may be another
@@ -49,10 +49,9 @@ void UpdateWindows::close() {
 void UpdateWindows::bringToFront() {
     if (!m_scene)
         return;
-    if (m_window && !m_window->isHidden())
-        m_window->bringToFront();
-    else
+    if (!m_window || m_window->isHidden())
         open(pageOf(*m_scene));
+    m_window->bringToFront();
 }
 
 } // namespace torvane

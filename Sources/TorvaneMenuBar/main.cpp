@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Launch.h"
+#include "Model/ApplicationId.h"
 #include "Model/Config.h"
 #include "Platform/TerminationSignals.h"
 #include "Support/FreedMemory.h"
@@ -40,7 +41,7 @@ int main(int argc, char** argv) {
     torvane::preferX11();
     QApplication::setApplicationName(QStringLiteral("velisk"));
     QApplication::setApplicationVersion(torvane::Config::currentVersion());
-    QApplication::setDesktopFileName(QStringLiteral("org.velisk.Torvane"));
+    QApplication::setDesktopFileName(torvane::applicationId);
     QApplication::setQuitOnLastWindowClosed(false); // The program ends when its user says so.
     // The same on every desktop. Named this early, the desktop's own is not even loaded.
     QApplication::setStyle(QStringLiteral("fusion"));

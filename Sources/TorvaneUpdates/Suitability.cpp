@@ -18,7 +18,8 @@ bool suitsMachine(const AppcastItem& item, const Suitability& to) {
 }
 
 bool isHeldBack(const AppcastItem& item, const Suitability& to) {
-    if (!item.pubDate.isValid())
+    // Without an interval the date is none of our business: this machine's clock may be behind.
+    if (!item.pubDate.isValid() || item.phasedRolloutInterval <= std::chrono::seconds::zero())
         return false;
     // In floating point: the feed's interval may be any number.
     const double group = std::floor(to.rolloutPlace * rolloutGroups);

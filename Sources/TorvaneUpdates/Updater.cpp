@@ -54,9 +54,13 @@ Task<> Updater::prepare() {
 void Updater::checkForUpdates() {
     if (!m_key)
         return;
-    if (!m_session)
-        beginSession();
-    m_session->comeForward();
+    if (m_session) {
+        m_session->comeForward();
+        return;
+    }
+    makeSession();
+    m_session->comeForward(); // First: what fails at once is to be seen.
+    m_session->begin();
 }
 
 bool Updater::automaticallyChecksForUpdates() const {
@@ -88,13 +92,15 @@ void Updater::schedule(std::chrono::milliseconds soonest) {
 
 void Updater::checkIfDue() {
     const bool mayCheck = m_key && !m_session && automaticallyChecksForUpdates();
-    if (mayCheck && m_memory.untilNextCheck(Clock::now(), m_properties.interval) == 0ms)
-        beginSession();
-    else
+    if (!mayCheck || m_memory.untilNextCheck(Clock::now(), m_properties.interval) != 0ms) {
         schedule(0ms);
+        return;
+    }
+    makeSession();
+    m_session->begin();
 }
 
-void Updater::beginSession() {
+void Updater::makeSession() {
     m_nextCheck.stop();
     m_memory.noteCheck(Clock::now());
     canCheckForUpdates = false;
@@ -102,7 +108,6 @@ void Updater::beginSession() {
         SessionContext{m_properties, *m_key, m_executable, m_memory, m_download, m_windows, m_relaunch});
     connect(m_session.get(), &UpdateSession::ended, this, &Updater::endSession);
     connect(m_session.get(), &UpdateSession::replaced, this, &Updater::replaced);
-    m_session->begin();
 }
 
 void Updater::endSession() {

@@ -53,7 +53,7 @@ private:
     Task<> prepare();
     void schedule(std::chrono::milliseconds soonest);
     void checkIfDue();
-    void beginSession();
+    void makeSession();
     void endSession();
 
     const Properties m_properties;

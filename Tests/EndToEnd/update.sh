@@ -80,6 +80,15 @@ only_the_program_is_there() {
     [ "$(ls -A "$programs")" = velisk ]
 }
 
+# The window of another program, in which its user is at work.
+other_is_active() {
+    [ "$(xdotool getactivewindow 2>/dev/null)" = "$(xdotool search --onlyvisible --name '^xmessage$' 2>/dev/null)" ]
+}
+
+only_one_badge_is_there() {
+    [ "$(registered_items | wc -l)" = 1 ]
+}
+
 is_still_old() {
     cmp -s "$old" "$installed"
 }
@@ -152,7 +161,20 @@ publish "$new"
 mkdir "$RIG/home/fixed"
 cp "$old" "$RIG/home/fixed/velisk"
 chmod a-w "$RIG/home/fixed"
+mv "$stored" "$RIG/kept.json"
+xmessage -geometry 900x640+60+60 "Another program" >"$RIG/log/other" 2>&1 &
+other=$!
+rig_wait "the other window" xdotool search --onlyvisible --name '^xmessage$' >/dev/null
+xdotool mousemove 500 600 click 1
+rig_wait "the other window in front" other_is_active
 start "$RIG/home/fixed/velisk"
+page "velisk 0.3.1 is available" by-itself.png
+other_is_active || rig_fail "it takes the keyboard from whoever is at work"
+press "velisk Update" Close
+program_wait "the window to close" update_is_gone
+kill "$other"
+rig_pass "a program that has never checked does so by itself, and shows what it found without taking the keyboard"
+
 open_about
 check_for_updates
 page "velisk 0.3.1 is available" obstacle.png
@@ -163,6 +185,7 @@ program_wait "the window to close" update_is_gone
 quit
 program_wait_end
 chmod u+w "$RIG/home/fixed"
+mv "$RIG/kept.json" "$stored"
 rig_pass "a copy in a folder that cannot be written says which version there is, and offers nothing"
 
 start "$installed"
@@ -224,6 +247,7 @@ cmp -s "$new" "$installed" || rig_fail "something else was installed"
 [ "$(stat --format=%a "$installed")" = "$(stat --format=%a "$new")" ] || rig_fail "its mode is another"
 [ "$(DISPLAY='' "$installed" --version)" = "velisk 0.3.1" ] || rig_fail "it calls itself $("$installed" --version)"
 rig_wait "the badge" item_is_registered
+rig_wait "the old badge to go" only_one_badge_is_there
 rig_wait "the left-overs to go" only_the_program_is_there
 program=$successor # Not a child of this script, but a process all the same.
 keep updated.png

@@ -1,79 +1,71 @@
 #include "Design/Theme.h"
+#include "Gallery/Gallery.h"
 #include "Support/UpdateScenes.h"
 #include "UpdateWindow.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QPixmap>
+#include <QImage>
 #include <QTest>
-
-#include <cstdio>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-bool save(QWidget& widget, int scale, const QString& path) {
-    QPixmap picture(widget.size() * scale);
-    picture.setDevicePixelRatio(scale);
-    widget.render(&picture);
-    if (picture.save(path))
-        return true;
-    std::fprintf(stderr, "UpdateGallery: cannot write %s\n", qUtf8Printable(path));
-    return false;
+/// The open window at 1 and 2 pixels for a point; `state` and `caption` say what it shows.
+bool save(QWidget& window, const QString& state, const QString& caption, const QDir& folder) {
+    const QString look = currentAppearance() == Appearance::dark ? u"dark"_s : u"light"_s;
+    bool ok = true;
+    for (const int scale : {1, 2}) {
+        QImage picture(window.size() * scale, QImage::Format_RGB32);
+        picture.setDevicePixelRatio(scale);
+        window.render(&picture);
+        picture.setText(u"Description"_s, caption);
+        ok &= picture.save(folder.filePath(u"update-%1-%2-%3x.png"_s.arg(state, look).arg(scale)));
+    }
+    return ok;
 }
 
-bool saveScene(const QString& name, const Updates::Scene& scene, const QDir& folder) {
-    UpdateWindow window(pageOf(scene));
+bool open(UpdateWindow& window) {
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     window.bringToFront();
-    if (!QTest::qWaitForWindowActive(&window, 30'000))
-        return false;
+    return QTest::qWaitForWindowActive(&window, 30'000);
+}
+
+bool saveScenes(const QDir& folder) {
     bool ok = true;
-    for (const int scale : {1, 2})
-        ok &= save(window, scale, folder.filePath(u"update-%1@%2x.png"_s.arg(name).arg(scale)));
+    for (const auto& [name, scene] : UpdateScenes::all()) {
+        const UpdatePage page = pageOf(scene);
+        UpdateWindow window(page);
+        ok &= open(window) && save(window, name, page.headline.left(60), folder);
+    }
     return ok;
 }
 
 /// The ring that the keyboard brings.
-bool saveFocus(const QString& look, const QDir& folder) {
+bool saveFocus(const QDir& folder) {
     UpdateWindow window(pageOf(Updates::Found{UpdateScenes::offer()}));
-    window.setAttribute(Qt::WA_DeleteOnClose, false);
-    window.bringToFront();
-    if (!QTest::qWaitForWindowActive(&window, 30'000))
-        return false;
-    bool ok = true;
+    bool ok = open(window);
     for (const QString& stop : {u"link"_s, u"notes"_s}) {
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-        ok &= save(window, 2, folder.filePath(u"update-%1-focus-%2.png"_s.arg(look, stop)));
+        ok &= save(window, u"focus-"_s + stop, u"The keyboard is at the "_s + stop, folder);
     }
     return ok;
 }
 
-bool saveAll(Appearance appearance, const QDir& folder) {
+bool savePictures(Appearance appearance, const QDir& folder) {
     setCurrentAppearance(appearance);
     QApplication::setPalette(widgetPalette(appearance));
-    const QString look = appearance == Appearance::dark ? u"dark"_s : u"light"_s;
-    bool ok = saveFocus(look, folder);
-    for (const auto& [name, scene] : UpdateScenes::all())
-        ok &= saveScene(look + u'-' + name, scene, folder);
-    return ok;
+    const bool ok = saveScenes(folder);
+    return saveFocus(folder) && ok;
+}
+
+bool writeAll(const QDir& folder) {
+    const bool ok = savePictures(Appearance::light, folder);
+    return savePictures(Appearance::dark, folder) && ok;
 }
 
 } // namespace
 
-/// Fonts are the environment's: FONTCONFIG_FILE.
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication::setStyle(u"fusion"_s);
-    const QApplication application(argc, argv);
-    if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        std::fputs("Use: UpdateGallery FOLDER\n", stderr);
-        return 2;
-    }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    const bool ok = saveAll(Appearance::light, folder);
-    return saveAll(Appearance::dark, folder) && ok ? 0 : 1;
+    return Gallery::run(argc, argv, "UpdateGallery", writeAll);
 }

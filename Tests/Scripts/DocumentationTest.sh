@@ -65,11 +65,11 @@ everyFileThatIsNamedExists() {
     [ "$count" -gt 15 ] || fail "there are more files than $count"
 }
 
-aPageFitsAScreen() {
+aPageIsReadInOneGo() {
     local page lines
     for page in "$tree"/Documentation/*.md; do
         lines=$(wc -l <"$page")
-        [ "$lines" -le 70 ] || fail "${page##*/} has $lines lines"
+        [ "$lines" -le 100 ] || fail "${page##*/} has $lines lines"
     done
 }
 
@@ -105,10 +105,12 @@ theDiagramIsThatOfTheTable() {
     [ ! -s missing ] || fail "the diagram lacks: $(cat missing)"
 }
 
-theChangelogHasTheVersionThatIsBuilt() {
-    local version
+theChangelogHasTheVersionThatIsBuiltAndItsDate() {
+    local version date
     version=$(sed -n 's/^set(TORVANE_VERSION "\([^"]*\)".*/\1/p' "$tree/CMakeLists.txt")
-    grep -q "^## \[*$version" "$tree/CHANGELOG.md" || fail "the changelog lacks $version"
+    date=$(sed -n 's/.*<release version="@TORVANE_VERSION@" date="\([^"]*\)".*/\1/p' "$tree"/Packaging/*.metainfo.xml.in)
+    [ "$(grep -m 1 '^## ' "$tree/CHANGELOG.md")" = "## $version - $date" ] ||
+        fail "the changelog does not begin with $version of $date"
 }
 
 run_checks

@@ -7,13 +7,16 @@
 #include <QDBusConnection>
 #include <QFile>
 
+#include <csignal>
 #include <cstdlib>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
 
 int main(int argc, char** argv) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // It outlives no test.
     const QCoreApplication application(argc, argv);
     QFile note(qEnvironmentVariable("SUCCESSOR_NOTE"));
     if (!note.open(QIODevice::WriteOnly))

@@ -52,13 +52,14 @@ private Q_SLOTS:
 
     void aSuccessorTakesThePlaceAndStaysWhenThisOneGoes() {
         PrivateBus bus;
+        const QDBusConnection observer = bus.connect();
         be("there", bus.address());
         {
             const First first(bus.connect(), m_id);
             QVERIFY(first.relaunch(program, generous));
-            QCOMPARE(ownerOn(bus), startedProgram());
+            QCOMPARE(ownerOn(observer), startedProgram());
         }
-        QCOMPARE(ownerOn(bus), startedProgram());
+        QCOMPARE(ownerOn(observer), startedProgram());
         QVERIFY(TestFiles::contentOf(note()).endsWith("without a token"));
         QVERIFY(::getsid(startedProgram()) == startedProgram());
         end();
@@ -79,10 +80,11 @@ private Q_SLOTS:
         QFETCH(QByteArray, does);
         QFETCH(std::chrono::milliseconds, limit);
         PrivateBus bus;
+        const QDBusConnection observer = bus.connect();
         be(does, bus.address());
         const First first(bus.connect(), m_id);
         QVERIFY(!first.relaunch(program, limit));
-        QVERIFY(QTest::qWaitFor([&] { return ownerOn(bus) == QCoreApplication::applicationPid(); }, patience));
+        QVERIFY(QTest::qWaitFor([&] { return ownerOn(observer) == QCoreApplication::applicationPid(); }, patience));
         waitUntilGone();
         // And it is called forward as before.
         const First another(bus.connect(), m_id);
@@ -91,9 +93,10 @@ private Q_SLOTS:
 
     void aFileThatIsNoProgramGivesThePlaceBack() {
         PrivateBus bus;
+        const QDBusConnection observer = bus.connect();
         const First first(bus.connect(), m_id);
         QVERIFY(!first.relaunch(note(), generous));
-        QCOMPARE(ownerOn(bus), QCoreApplication::applicationPid());
+        QCOMPARE(ownerOn(observer), QCoreApplication::applicationPid());
     }
 
     void somebodyElseInThePlaceIsNoSuccessor() {
@@ -184,8 +187,9 @@ private:
 
     pid_t startedProgram() const { return TestFiles::contentOf(note()).split(' ').first().toInt(); }
 
-    pid_t ownerOn(PrivateBus& bus) const {
-        const QDBusReply<uint> owner = bus.connect().interface()->servicePid(m_id);
+    /// Who has the place, as somebody else on the bus sees it.
+    pid_t ownerOn(const QDBusConnection& observer) const {
+        const QDBusReply<uint> owner = observer.interface()->servicePid(m_id);
         return owner.isValid() ? static_cast<pid_t>(owner.value()) : 0;
     }
 

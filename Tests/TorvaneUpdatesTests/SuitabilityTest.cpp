@@ -159,6 +159,12 @@ private Q_SLOTS:
         QCOMPARE(best(phased, last), QStringLiteral("2.0"));
     }
 
+    void withoutAnIntervalADateAheadOfTheClockHoldsNothingBack() {
+        AppcastItem dated = item("2.0");
+        dated.pubDate = noon.addDays(30);
+        QCOMPARE(best(dated, seeker()), QStringLiteral("2.0"));
+    }
+
     void aRolloutOfAgesHoldsBackAndDoesNotOverflow() {
         AppcastItem phased = item("2.0");
         phased.phasedRolloutInterval = std::chrono::seconds(std::numeric_limits<qint64>::max());

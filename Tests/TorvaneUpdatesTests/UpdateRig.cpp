@@ -18,20 +18,13 @@ namespace {
 constexpr int patience = 120'000; // Milliseconds; far beyond what any step takes.
 constexpr mode_t programMode = 0750;
 
-const QUrl feedAddress(u"https://example.org/torvane/appcast.xml"_s);
-
 QDateTime g_now;
 
-QUrl payloadAddress(const QString& version) {
-    return QUrl(u"https://example.org/torvane/velisk-"_s + version);
-}
-
-QString itemText(const FeedItem& item, const QByteArray& signature) {
-    const QString enclosure =
-        u"<enclosure url='%1' length='%2' type='application/octet-stream' "
-        u"sparkle:edSignature='%3'/>"_s.arg(payloadAddress(item.version).toString(),
-                                            QString::number(item.length.value_or(item.payload.size())),
-                                            QString::fromLatin1(signature.toBase64()));
+QString itemText(const FeedItem& item, const QUrl& payload, const QByteArray& signature) {
+    const QString enclosure = u"<enclosure url='%1' length='%2' type='application/octet-stream' "
+                              u"sparkle:edSignature='%3'/>"_s.arg(
+                                  payload.toString(), QString::number(item.length.value_or(item.payload.size())),
+                                  QString::fromLatin1(signature.toBase64()));
     return u"<item><title>%1</title><sparkle:version>%1</sparkle:version>%2%3</item>"_s.arg(
         item.version, item.more, item.payload.isEmpty() ? QString() : enclosure);
 }
@@ -72,8 +65,16 @@ QByteArray UpdateRig::sample(const char* name) {
     return TestFiles::contentOf(path);
 }
 
+QUrl UpdateRig::feed() const {
+    return base.resolved(QUrl(u"appcast.xml"_s));
+}
+
+QUrl UpdateRig::payload(const QString& version) const {
+    return base.resolved(QUrl(u"velisk-"_s + version));
+}
+
 Properties UpdateRig::properties() const {
-    Properties properties{.feed = feedAddress,
+    Properties properties{.feed = feed(),
                           .publicKey = QString::fromLatin1(m_publicKey.toBase64()),
                           .product = u"org.velisk.Example"_s,
                           .version = u"1.0"_s,
@@ -95,10 +96,10 @@ void UpdateRig::publish(const QList<FeedItem>& items) {
     QString feed =
         u"<rss version='2.0' xmlns:sparkle='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>"_s;
     for (const FeedItem& item : items) {
-        feed += itemText(item, item.signature.isEmpty() ? sign(item.payload) : item.signature);
-        download.bodies.insert(payloadAddress(item.version), item.payload);
+        feed += itemText(item, payload(item.version), item.signature.isEmpty() ? sign(item.payload) : item.signature);
+        download.bodies.insert(payload(item.version), item.payload);
     }
-    download.bodies.insert(feedAddress, (feed + u"</channel></rss>"_s).toUtf8());
+    download.bodies.insert(this->feed(), (feed + u"</channel></rss>"_s).toUtf8());
 }
 
 void UpdateRig::start(const Properties& properties) {
@@ -107,7 +108,7 @@ void UpdateRig::start(const Properties& properties) {
     worker().waitForDone();
     m_defaults = std::make_unique<UserDefaults>(m_folder + u"/preferences.json"_s, m_folder + u"/data"_s);
     const auto relaunch = [this](const QString& executable) { return this->relaunch(executable); };
-    updater = std::make_unique<Updater>(properties, *m_defaults, download, windows, relaunch);
+    updater = std::make_unique<Updater>(properties, *m_defaults, *network, windows, relaunch);
     QObject::connect(updater.get(), &Updater::replaced, updater.get(), [this] { ++replaced; });
     updater->start();
 }

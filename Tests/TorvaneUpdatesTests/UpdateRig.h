@@ -5,6 +5,7 @@
 #include "TorvaneUpdatesTests/Scripted.h"
 
 #include <QTemporaryDir>
+#include <QUrl>
 
 #include <memory>
 #include <sys/types.h>
@@ -32,6 +33,8 @@ public:
     ~UpdateRig();
 
     ScriptedDownload download;
+    Download* network = &download;                             // What the updater is given from the next start on.
+    QUrl base{QStringLiteral("https://example.org/torvane/")}; // Where feed and payloads are.
     ScriptedWindows windows;
     std::unique_ptr<Updater> updater;
     bool successorComesUp = true;
@@ -46,6 +49,8 @@ public:
     QString programFolder() const { return m_folder + QStringLiteral("/bin"); }
     QString program() const { return programFolder() + QStringLiteral("/velisk"); }
 
+    QUrl feed() const;
+    QUrl payload(const QString& version) const;
     Properties properties() const;
     QByteArray sign(const QByteArray& payload) const;
 

@@ -18,6 +18,7 @@ namespace {
 constexpr auto applicationInterface = "org.freedesktop.Application"_L1;
 
 /// As in the D-Bus specification, "org.freedesktop.DBus.RequestName".
+constexpr uint waitInQueue = 0;
 constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;
 constexpr uint alreadyOwner = 4;
@@ -90,12 +91,12 @@ void ApplicationInstance::settle() {
     requestName();
 }
 
-QDBusPendingCall ApplicationInstance::askForName() const {
-    return m_bus.asyncCall(busCall(u"RequestName"_s, {m_id, doNotQueue}), busLimitMs);
+QDBusPendingCall ApplicationInstance::askForName(uint flags) const {
+    return m_bus.asyncCall(busCall(u"RequestName"_s, {m_id, flags}), busLimitMs);
 }
 
 void ApplicationInstance::requestName() {
-    auto* watcher = new QDBusPendingCallWatcher(askForName(), this);
+    auto* watcher = new QDBusPendingCallWatcher(askForName(doNotQueue), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         nameRequested(*watcher);
@@ -147,7 +148,8 @@ Task<> ApplicationInstance::takeAgain() {
         m_socket->settle();
         co_return;
     }
-    Task<> asking = ended(askForName());
+    // The bus may not know yet that one that was ended is gone.
+    Task<> asking = ended(askForName(waitInQueue));
     co_await asking;
 }
 

@@ -31,7 +31,7 @@ public:
     /// Gives up its place in the session: whoever is launched next is the first.
     Task<> release();
 
-    /// Takes the place again, unless somebody else has it.
+    /// Takes the place again; where somebody has it at this moment, when that one goes.
     Task<> takeAgain();
 
     /// Where the application of this name has its object on the bus.
@@ -48,7 +48,7 @@ Q_SIGNALS:
 
 private:
     DBusInterface interface();
-    QDBusPendingCall askForName() const;
+    QDBusPendingCall askForName(uint flags) const;
     void requestName();
     void nameRequested(const QDBusPendingCallWatcher& reply);
     void activateOwner();

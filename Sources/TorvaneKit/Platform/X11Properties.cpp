@@ -162,6 +162,13 @@ void X11::skipTaskbarAndPager(WId window) {
                    {atom("_NET_WM_STATE_SKIP_TASKBAR"), atom("_NET_WM_STATE_SKIP_PAGER")});
 }
 
+bool X11::tellsOfWindowState(const void* event) {
+    const auto* changed = static_cast<const xcb_property_notify_event_t*>(event);
+    constexpr int kind = 0x7f; // Without the bit that says that another client sent it.
+    return (changed->response_type & kind) == XCB_PROPERTY_NOTIFY &&
+           (changed->atom == atom("_NET_WM_STATE") || changed->atom == atom("WM_STATE"));
+}
+
 void X11::setBlurBehind(WId window, const QRegion& part) {
     if (!isRunning())
         return;

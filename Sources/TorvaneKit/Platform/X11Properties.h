@@ -61,6 +61,9 @@ QList<Dock> docks();
 /// Keeps the window out of taskbars and pagers. Has an effect before the window is first shown.
 void skipTaskbarAndPager(WId window);
 
+/// Whether an event of Qt's connection, as native event filters get it, tells that the state of a window has changed.
+bool tellsOfWindowState(const void* event);
+
 /// Asks for blur behind this part of the window; for none when it is empty.
 void setBlurBehind(WId window, const QRegion& part);
 

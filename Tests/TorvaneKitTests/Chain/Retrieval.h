@@ -91,8 +91,9 @@ struct DownloadScene {
         server.on("/short", StandInAnswer::ok("12345"));
     }
 
-    /// Both as if new.
+    /// Both as if new, and no connection to one from the other.
     void reset() {
+        NetworkClient::dropPooledConnections();
         server.clearRequests();
         file =
             FileDescriptor(::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
