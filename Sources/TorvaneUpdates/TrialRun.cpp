@@ -77,15 +77,14 @@ void tryOut(int program, QStringView version, std::chrono::milliseconds limit, c
     FileDescriptor reading(ends[0]);
     FileDescriptor writing(ends[1]);
     const ChildProcess child = start(program, writing.get());
-    FileDescriptor(std::exchange(writing, FileDescriptor(-1))); // Only the child's is left, whose end is the output's.
+    writing = FileDescriptor(-1); // Only the child's is left, whose end is the output's.
     const QDeadlineTimer deadline(limit);
     QByteArray output;
     bool hasEnded = false;
     {
         const std::stop_callback end(stop, [&child] { child.kill(); });
         output = outputOf(child, reading.get(), deadline);
-        FileDescriptor(
-            std::exchange(reading, FileDescriptor(-1))); // One that says ever more is ended by the next word.
+        reading = FileDescriptor(-1); // One that says ever more is ended by the next word.
         hasEnded = hasEndedWithin(deadline, child);
     }
     child.kill(); // If it hangs; and whatever it has left running. It has its number until it is reaped.

@@ -64,7 +64,7 @@ private Q_SLOTS:
         const QString number = m_folder.filePath(u"number"_s);
         const QByteArray text = "#!/bin/sh\nsleep 1000 & echo $! > '" + QFile::encodeName(number) + "'\necho 2.0\n";
         // The output stays open for as long as the other one runs, which is not waited for.
-        QVERIFY(tried(script(text).get(), u"2.0"_s).isEmpty());
+        QVERIFY(tried(script(text).get(), u"2.0"_s, 24h).isEmpty());
         const pid_t left = TestFiles::contentOf(number).trimmed().toInt();
         QVERIFY(left > 0);
         QVERIFY(QTest::qWaitFor([left] { return !isRunning(left); }, 60'000));
