@@ -71,7 +71,7 @@ private Q_SLOTS:
     }
 
     void aProgramWithoutEndOfOutputFails() {
-        QVERIFY(tried(script("#!/bin/sh\nexec yes 2.0\n").get(), u"2.0"_s).contains(u"does not run"_s));
+        QVERIFY(tried(script("#!/bin/sh\nexec yes 2.0\n").get(), u"2.0"_s, 30s).contains(u"does not run"_s));
     }
 
     void aProgramThatClosesItsOutputAndStaysIsEndedAtTheLimit() {
