@@ -28,6 +28,7 @@ demo: ## the same against a simulated relay: no network needed, your settings un
 	@scripts/demo
 
 install: ## install velisk and its relay for you alone, below ~/.local; no root needed
+	@scripts/install --check
 	@$(INSTALL_DEPENDENCIES) install
 	cmake --preset release $(CMAKE_FLAGS)
 	cmake --build --preset release

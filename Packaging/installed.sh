@@ -10,6 +10,7 @@ folder_of() {
     esac
 }
 
+: "${HOME:?has to name your home}"
 data=$(folder_of "${XDG_DATA_HOME-}" "$HOME/.local/share")
 config=$(folder_of "${XDG_CONFIG_HOME-}" "$HOME/.config")
 cache=$(folder_of "${XDG_CACHE_HOME-}" "$HOME/.cache")

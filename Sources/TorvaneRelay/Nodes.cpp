@@ -2,6 +2,8 @@
 
 #include "Chain/NetworkClient.h"
 
+#include <QUrl>
+
 #include <algorithm>
 #include <chrono>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Chain/JSONRPC.h"
+#include "NodeFailures.h"
 #include "RequestGate.h"
 #include "Support/Async.h"
 
@@ -8,38 +9,11 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-#include <QUrl>
 
 #include <exception>
 #include <functional>
-#include <optional>
 
 namespace torvane {
-
-/// None of a network's nodes gave an answer that can be used; says why, node by node.
-class NodesFailure final : public std::exception {
-public:
-    explicit NodesFailure(const QString& reasons)
-        : m_what(reasons.toUtf8()) {}
-
-    const char* what() const noexcept override { return m_what.constData(); }
-
-private:
-    QByteArray m_what;
-};
-
-/// The contract itself refused the call: every node would say so.
-class CallReverted final : public std::exception {
-public:
-    const char* what() const noexcept override { return "the contract refused the call"; }
-};
-
-/// The address has no contract. It is the next node's turn, but no reason to think ill of this one: more likely the
-/// table is wrong.
-class NoContract final : public std::exception {
-public:
-    const char* what() const noexcept override { return "there is no such contract"; }
-};
 
 /// One network's nodes for one run. A question goes to them in order until one gives a good answer. A node that failed
 /// twice is not asked again.

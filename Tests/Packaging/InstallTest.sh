@@ -62,13 +62,23 @@ withoutSystemdItIsSaidHowTheRelayStarts() {
     home
     without_systemd
     install_velisk
-    expect_output_has 'its relay is not started'
+    expect_output_has 'No systemd runs for you here, so its relay is not started'
     expect_output_has "    \"$HOME/.local/bin/velisk-relay\" --serve localhost:"
     uninstall_velisk
 }
 
+whereSystemdRefusesTheRelayThatIsSaid() {
+    home
+    write_program bin/systemctl <<<$'#!/bin/sh\n[ "$2" != enable ] || { echo "Unit file does not exist." >&2; exit 1; }'
+    install_velisk
+    expect_output_has 'Unit file does not exist.'
+    expect_output_has "Your systemd does not take the relay's unit"
+    expect_output_has "    \"$HOME/.local/bin/velisk-relay\" --serve localhost:"
+    expect_output_lacks 'No systemd runs'
+}
+
 aLinkOfSystemdIsRemovedWhereSystemdIsNot() {
-    local wants="$HOME"
+    local wants
     home
     install_velisk
     wants=$HOME/.config/systemd/user/default.target.wants
@@ -110,8 +120,10 @@ anInterruptedInstallationCanBeRemoved() {
 aProgramThatRunsKeepsItsFile() {
     home
     install_velisk
+    expect_output_lacks 'that is still the one before'
     exec 3<"$HOME/.local/bin/velisk"
     install_velisk
+    expect_output_has 'If it runs, that is still the one before: quit it and start it again.'
     [ "$(stat -L -c %h /proc/self/fd/3)" = 0 ] || fail "the file was written over"
     exec 3<&-
 }
@@ -148,6 +160,36 @@ aHomeThatDesktopEntriesCannotNameIsRefused() {
     expect_status 1
     expect_output_has 'nothing is installed'
     [ -z "$(ls -A "$HOME")" ] || fail "something is installed"
+}
+
+rootOnBehalfOfAnotherIsRefused() {
+    home
+    contents >before
+    write_program bin/id <<<$'#!/bin/sh\necho 0'
+    SUDO_USER=ann run "$tree/scripts/install"
+    expect_status 1
+    expect_output_has 'run it as ann, without sudo'
+    contents | diff before - || fail "something is installed"
+}
+
+whatWouldBeRefusedIsSaidBeforeAnythingIsBuilt() {
+    home
+    contents >before
+    mkdir none
+    TORVANE_BUILD=$PWD/none run "$tree/scripts/install" --check
+    expect_status 0
+    expect_output ''
+    contents | diff before - || fail "something is installed"
+    HOME="$PWD/costs %5" run "$tree/scripts/install" --check
+    expect_status 1
+    run make --no-print-directory --dry-run --directory="$tree" install
+    [ "$(head -n 1 <<<"$output")" = 'scripts/install --check' ] || fail "make builds before it asks"
+}
+
+withoutAHomeThatIsSaid() {
+    HOME='' run "$tree/scripts/install"
+    expect_status 1
+    expect_output_has 'HOME: has to name your home'
 }
 
 whatIsNotInstalledCannotBeRemoved() {

@@ -286,6 +286,13 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(clicks, QList<QVariantList>{{expected}}, limitMs);
     }
 
+    void whereThePanelShowsNoMenuARightClickIsAClick() {
+        start(u"swaybar"_s);
+        QSignalSpy clicks(m_host.get(), &BadgeHost::clicked);
+        m_panel->call(u"org.kde.StatusNotifierItem"_s, u"ContextMenu"_s, {3, 4});
+        QTRY_COMPARE_WITH_TIMEOUT(clicks, QList<QVariantList>{{QRect(3, 4, 1, 1)}}, limitMs);
+    }
+
     void withoutABusThereIsNoBadgeAndNoHarm() {
         BadgeHost host(QDBusConnection(u"no such connection"_s), &lookUp);
         host.show(look());

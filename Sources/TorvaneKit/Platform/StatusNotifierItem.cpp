@@ -175,8 +175,8 @@ QList<DBusMethod> StatusNotifierItem::methods() {
     const auto ignore = [](const QVariantList&) { return dbusAnswer(); };
     return {
         click("Activate"_L1, &StatusNotifierItem::activated),
-        click("SecondaryActivate"_L1, &StatusNotifierItem::secondaryActivated),
         click("ContextMenu"_L1, &StatusNotifierItem::contextMenuRequested),
+        {"SecondaryActivate"_L1, {"i"_L1, "i"_L1}, {}, ignore},
         {"Scroll"_L1, {"i"_L1, "s"_L1}, {}, ignore},
     };
 }

@@ -61,7 +61,7 @@ public:
 Q_SIGNALS:
     /// Clicks, at the position that the panel states: which is not always the pointer's.
     void activated(QPoint position);
-    void secondaryActivated(QPoint position);
+    /// The panel shows no menus of items, and leaves it to the item what a right click does.
     void contextMenuRequested(QPoint position);
     void menuEntryTriggered(int id);
     /// The panel is being told of the item. It will ask how it looks as soon as the loop runs again.

@@ -4,7 +4,8 @@
 
 namespace torvane {
 
-/// A text of as many lines as it needs within a fixed width.
+/// A text of as many lines as it needs within a fixed width, each of the height given: its own height is known at once,
+/// while TextLabel, which has whatever width its place has, learns it in the layout.
 class Paragraph final : public QWidget, public AccessiblePart {
     Q_OBJECT
 

@@ -8,7 +8,7 @@
 namespace torvane {
 
 /// A plain text in a colour of the palette, faded where its row is disabled, as wide as its place: it wraps at words
-/// where it is too long.
+/// where it is too long. Where the width is known beforehand there is Paragraph.
 class TextLabel final : public QLabel, public AccessiblePart {
     Q_OBJECT
 

@@ -9,6 +9,8 @@ namespace torvane {
 NotifierBadge::NotifierBadge(const QDBusConnection& bus)
     : m_item(bus, applicationId, u"ApplicationStatus"_s) {
     connect(&m_item, &StatusNotifierItem::activated, this, &BadgeSurface::clicked);
+    // Where the panel shows no menu, the popover is the way to all that the menu has.
+    connect(&m_item, &StatusNotifierItem::contextMenuRequested, this, &BadgeSurface::clicked);
     connect(&m_item, &StatusNotifierItem::menuEntryTriggered, this, [this](int entry) {
         if (const std::optional<BadgeCommand> command = badgeCommand(entry))
             Q_EMIT commandChosen(*command);

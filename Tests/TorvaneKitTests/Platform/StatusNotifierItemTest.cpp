@@ -254,14 +254,12 @@ private Q_SLOTS:
     void clicksArriveWithTheirPosition() {
         start();
         QSignalSpy activated(m_item.get(), &StatusNotifierItem::activated);
-        QSignalSpy secondary(m_item.get(), &StatusNotifierItem::secondaryActivated);
         QSignalSpy menu(m_item.get(), &StatusNotifierItem::contextMenuRequested);
         click(u"Activate"_s);
         QTRY_COMPARE_WITH_TIMEOUT(activated, QList<QVariantList>{{QPoint(1163, -16)}}, limitMs);
-        click(u"SecondaryActivate"_s);
-        QTRY_COMPARE_WITH_TIMEOUT(secondary.size(), 1, limitMs);
+        click(u"SecondaryActivate"_s); // Means nothing here.
         click(u"ContextMenu"_s);
-        QTRY_COMPARE_WITH_TIMEOUT(menu.size(), 1, limitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(menu, QList<QVariantList>{{QPoint(1163, -16)}}, limitMs);
         QCOMPARE(activated.size(), 1);
     }
 
