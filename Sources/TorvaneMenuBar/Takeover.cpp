@@ -7,9 +7,12 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QFile>
-#include <QProcessEnvironment>
 #include <QSocketNotifier>
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -25,16 +28,19 @@ constexpr std::chrono::milliseconds lookInterval = 200ms;
 /// The first may be answered just before it hears that it has the place, and begins in earnest.
 constexpr int questions = 2;
 
-/// The session's environment, without what was meant for the launch of this program alone.
+/// What was meant for the launch of this program alone.
+constexpr std::array<std::string_view, 8> once{
+    "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID", "DBUS_STARTER_ADDRESS", "DBUS_STARTER_BUS_TYPE",
+    "LISTEN_FDS",           "LISTEN_FDNAMES",     "LISTEN_PID",           "NOTIFY_SOCKET"};
+
+/// The rest of the session's environment, byte for byte: not all of it has to be text.
 QList<QByteArray> environment() {
-    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
-    for (const QString& once :
-         {u"XDG_ACTIVATION_TOKEN"_s, u"DESKTOP_STARTUP_ID"_s, u"DBUS_STARTER_ADDRESS"_s, u"DBUS_STARTER_BUS_TYPE"_s,
-          u"LISTEN_FDS"_s, u"LISTEN_FDNAMES"_s, u"LISTEN_PID"_s, u"NOTIFY_SOCKET"_s})
-        all.remove(once);
     QList<QByteArray> list;
-    for (const QString& assignment : all.toStringList())
-        list.append(assignment.toLocal8Bit());
+    for (char** each = ::environ; *each; ++each) {
+        const std::string_view assignment(*each);
+        if (std::ranges::find(once, assignment.substr(0, assignment.find('='))) == once.end())
+            list.append(QByteArray(*each));
+    }
     return list;
 }
 

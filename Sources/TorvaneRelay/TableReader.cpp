@@ -73,11 +73,11 @@ double TableReader::number(const std::string& key, double least, double most) {
 }
 
 qint64 TableReader::wholeNumber(const std::string& key, qint64 least, qint64 most) {
-    const toml::node& value = node(key);
-    const std::optional<int64_t> number = value.value<int64_t>();
-    if (!value.is_integer() || !number || *number < least || *number > most)
+    // Not `value`, which converts: a float beyond all integers cannot be.
+    const toml::value<int64_t>* number = node(key).as_integer();
+    if (!number || number->get() < least || number->get() > most)
         fail(key, "expected a whole number from " + std::to_string(least) + " to " + std::to_string(most));
-    return *number;
+    return number->get();
 }
 
 TableReader TableReader::table(const std::string& key) {

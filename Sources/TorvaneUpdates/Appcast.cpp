@@ -12,21 +12,30 @@ namespace {
 
 constexpr int mostAttributes = 256; // of one element, far above what feeds have
 
-/// Qt compares each attribute of an element with each other: a feed of one element could keep it busy for minutes. An
-/// attribute needs an equals sign and a quote, and no tag spans a less-than sign. Text that goes on like this for
-/// hundreds of times without one is refused with it.
+/// Qt compares each attribute of an element with each other: a feed of one element could keep it busy for minutes. Only
+/// what stands in a tag counts, not the quotes in a text. No attribute has a less-than sign in it, so that each one
+/// begins a tag, or something that is longer than any: whatever a comment leaves open hides nothing behind it.
 bool hasTooManyAttributes(const QString& text) {
     int found = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'<')
+    bool isInTag = false;
+    QChar quote; // that ends the value
+    QChar before;
+    for (const QChar c : text) {
+        if (c == u'<') {
             found = 0;
-        if (text[i] != u'=')
-            continue;
-        while (i + 1 < text.size() && text[i + 1].isSpace())
-            ++i;
-        const bool isQuoted = i + 1 < text.size() && (text[i + 1] == u'"' || text[i + 1] == u'\'');
-        if (isQuoted && ++found > mostAttributes)
+            isInTag = true;
+            quote = {};
+        } else if (!quote.isNull()) {
+            quote = c == quote ? QChar() : quote;
+        } else if (isInTag && before == u'=' && (c == u'"' || c == u'\'')) {
+            quote = c;
+            ++found;
+        } else if (c == u'>') {
+            isInTag = false;
+        }
+        if (found > mostAttributes)
             return true;
+        before = c.isSpace() ? before : c;
     }
     return false;
 }

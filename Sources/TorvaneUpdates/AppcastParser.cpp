@@ -34,11 +34,12 @@ std::optional<qint64> number(QStringView text) {
     return isNumber ? std::optional(value) : std::nullopt;
 }
 
-/// The address, or an empty one where its scheme is none of these.
+/// The address, or an empty one where its scheme is none of these, or where it names a user: such a one is made to look
+/// like another host's.
 QUrl address(const QString& text, std::initializer_list<QLatin1String> schemes) {
     const QUrl url(text, QUrl::StrictMode);
     const bool isKnown = std::find(schemes.begin(), schemes.end(), url.scheme()) != schemes.end();
-    return url.isValid() && isKnown && !url.host().isEmpty() ? url : QUrl();
+    return url.isValid() && isKnown && !url.host().isEmpty() && url.userInfo().isEmpty() ? url : QUrl();
 }
 
 QUrl webAddress(const QString& text) {

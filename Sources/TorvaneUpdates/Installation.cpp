@@ -83,6 +83,11 @@ void Installation::keepOld() const {
     ::unlink(kept); // One of an earlier update that was cut off.
     if (::link(m_path, kept) != 0)
         failOnDisk(u"The program cannot be kept for the case that the update fails"_s);
+    // Somebody may have brought another program since the last look, a package manager for one: that one is theirs.
+    if (FileIdentity::of(kept.constData()) == m_executable.identity)
+        return;
+    ::unlink(kept);
+    throw UpdateFailure(UpdateFault::notOurs, u"The program was replaced by somebody else meanwhile."_s);
 }
 
 /// A name says nothing of the file that it stands for, so that this is looked at before the renaming and after it.

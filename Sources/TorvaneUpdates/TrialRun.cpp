@@ -25,17 +25,27 @@ constexpr qsizetype longestOutput = 4096;
     throw UpdateFailure(UpdateFault::doesNotRun, sentence);
 }
 
-/// Waits until the descriptor is readable, or closed by all its writers.
-bool isReadable(int descriptor, const QDeadlineTimer& limit) {
-    pollfd one{descriptor, POLLIN, 0};
-    return uninterrupted([&] { return ::poll(&one, 1, static_cast<int>(limit.remainingTime())); }) > 0;
+/// Waits until one of them is readable, or closed by all its writers; false when the limit has passed.
+template <std::size_t Count>
+bool isAnyReadable(std::array<pollfd, Count>& descriptors, const QDeadlineTimer& limit) {
+    const auto wait = [&] { return ::poll(descriptors.data(), Count, static_cast<int>(limit.remainingTime())); };
+    return uninterrupted(wait) > 0;
 }
 
-/// What comes out of the pipe until it is closed, the limit has passed or there is too much of it.
-QByteArray outputOf(int pipe, const QDeadlineTimer& limit) {
+bool hasEndedWithin(const QDeadlineTimer& limit, const ChildProcess& child) {
+    std::array ending{pollfd{child.ending(), POLLIN, 0}};
+    return isAnyReadable(ending, limit);
+}
+
+/// What comes out of the pipe until it is closed, the limit has passed or there is too much of it. What the child has
+/// left running may keep the pipe open: its own end will do.
+QByteArray outputOf(const ChildProcess& child, int pipe, const QDeadlineTimer& limit) {
     QByteArray output;
     std::array<char, 512> part;
-    while (output.size() < longestOutput && isReadable(pipe, limit)) {
+    while (output.size() < longestOutput) {
+        std::array both{pollfd{pipe, POLLIN, 0}, pollfd{child.ending(), POLLIN, 0}};
+        if (!isAnyReadable(both, limit) || both.front().revents == 0)
+            break;
         const ssize_t count = uninterrupted([&] { return ::read(pipe, part.data(), part.size()); });
         if (count <= 0)
             break;
@@ -64,17 +74,18 @@ void tryOut(int program, QStringView version, std::chrono::milliseconds limit, c
     std::array<int, 2> ends{-1, -1};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         fail(u"The new version cannot be tried: too many files are open."_s);
-    const FileDescriptor reading(ends[0]);
+    FileDescriptor reading(ends[0]);
     FileDescriptor writing(ends[1]);
     const ChildProcess child = start(program, writing.get());
-    FileDescriptor(std::exchange(writing, FileDescriptor(-1))); // Only the child's is left, whose end is the output's.
+    writing = FileDescriptor(-1); // Only the child's is left, whose end is the output's.
     const QDeadlineTimer deadline(limit);
     QByteArray output;
     bool hasEnded = false;
     {
         const std::stop_callback end(stop, [&child] { child.kill(); });
-        output = outputOf(reading.get(), deadline);
-        hasEnded = isReadable(child.ending(), deadline);
+        output = outputOf(child, reading.get(), deadline);
+        reading = FileDescriptor(-1); // One that says ever more is ended by the next word.
+        hasEnded = hasEndedWithin(deadline, child);
     }
     child.kill(); // If it hangs; and whatever it has left running. It has its number until it is reaped.
     const int status = child.reap();

@@ -111,7 +111,7 @@ theManualsNameEveryOption() {
 theReleaseHasOneDateEverywhere() {
     local metadata changelog
     metadata=$(sed -n 's/.*<release version="[^"]*" date="\([^"]*\)".*/\1/p' "$tree/Packaging/org.velisk.Torvane.metainfo.xml.in")
-    changelog=$(sed -n 's/^ -- .*>  //p' "$tree/Packaging/deb/changelog.in")
+    changelog=$(sed -n 's/^ -- .*  //p' "$tree/Packaging/deb/changelog.in")
     [ "$(head -n 1 <<<"$metadata")" = "$(date --utc --date "$(head -n 1 <<<"$changelog")" +%F)" ] ||
         fail "the metadata say $metadata, the package's changes $changelog"
 }

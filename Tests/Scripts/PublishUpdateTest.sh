@@ -221,6 +221,9 @@ wrongUseIsExplained() {
     add --url http://velisk.example/payload
     expect_status 2
     expect_output_has '--url takes an https address'
+    add --url https://velisk.example@evil.example/payload
+    expect_status 2
+    expect_output_has '--url takes an https address'
     add --phased soon
     expect_status 2
     add --colour blue

@@ -22,7 +22,8 @@ int main(int argc, char** argv) {
     if (!note.open(QIODevice::WriteOnly))
         return 1;
     note.write(QByteArray::number(QCoreApplication::applicationPid()) + ' ' +
-               (qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN") ? "with a token" : "without a token"));
+               (qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN") ? "with a token" : "without a token") + ' ' +
+               qgetenv("SUCCESSOR_BYTES"));
     note.close();
     const QString does = qEnvironmentVariable("SUCCESSOR_DOES");
     if (does == u"ends"_s)

@@ -40,6 +40,7 @@ private Q_SLOTS:
         qunsetenv("WAYLAND_DISPLAY");
         qputenv("DISPLAY", ":test");
         qputenv("XDG_ACTIVATION_TOKEN", "for this launch alone");
+        qputenv("SUCCESSOR_BYTES", "caf\xe9=\xff");
         qputenv("SUCCESSOR_NOTE", QFile::encodeName(note()));
     }
 
@@ -60,7 +61,7 @@ private Q_SLOTS:
             QCOMPARE(ownerOn(observer), startedProgram());
         }
         QCOMPARE(ownerOn(observer), startedProgram());
-        QVERIFY(TestFiles::contentOf(note()).endsWith("without a token"));
+        QVERIFY(TestFiles::contentOf(note()).endsWith("without a token caf\xe9=\xff"));
         QVERIFY(::getsid(startedProgram()) == startedProgram());
         end();
     }

@@ -79,6 +79,8 @@ private Q_SLOTS:
             "network[2].endpoints: expected a list");
         row("an unknown way", builtInWith("\"estimate\"", "\"guess\""), "network[0].transfer: none of the ways");
         row("a number for a name", builtInWith("name = \"Arbitrum\"", "name = 1"), "network[0].name: expected a text");
+        row("a chain beyond all integers", builtInWith("chain_id = 10\n", "chain_id = 59e144\n"),
+            "network[1].chain_id: expected a whole");
         row("a negative chain", builtInWith("chain_id = 10\n", "chain_id = -10\n"),
             "network[1].chain_id: expected a whole");
         row("a network twice", builtInWith("\"Optimism\"", "\"Arbitrum\""), "network \"Arbitrum\" is there twice");

@@ -179,6 +179,31 @@ private Q_SLOTS:
         QCOMPARE(entriesOf(m_rig->programFolder()), programAlone);
     }
 
+    void aProgramThatOthersBringWhileTheSuccessorComesUpStaysTheirs() {
+        m_rig->relaunchHangs = true;
+        m_rig->successorComesUp = false;
+        m_rig->windows.answers = {{u"found"_s, Answer::install}, {u"ready"_s, Answer::install}};
+        m_rig->updater->checkForUpdates();
+        QVERIFY(QTest::qWaitFor([this] { return !m_rig->relaunched.isEmpty(); }, 60'000));
+        QVERIFY(QFile::remove(m_rig->program()));
+        TestFiles::put(m_rig->program(), "brought by somebody else");
+        m_rig->relaunchHangs = false;
+        m_rig->waitForScene(u"failed"_s);
+        updateWorker().waitForDone();
+        QCOMPARE(contentOf(m_rig->program()), QByteArray("brought by somebody else"));
+        QCOMPARE(entriesOf(m_rig->programFolder()), programAlone);
+    }
+
+    void neitherSpecialRightsNorOtherNamesPassToTheNewProgram() {
+        const QString other = m_rig->folder() + u"/another-name"_s;
+        QCOMPARE(::link(QFile::encodeName(m_rig->program()), QFile::encodeName(other)), 0);
+        QCOMPARE(::chmod(QFile::encodeName(m_rig->program()), 06751), 0);
+        m_rig->installByHand();
+        QCOMPARE(contentOf(m_rig->program()), UpdateRig::sample("new"));
+        QCOMPARE(modeOf(m_rig->program()), mode_t{0751});
+        QCOMPARE(contentOf(other), UpdateRig::sample("old"));
+    }
+
     void aSuccessorThatDoesNotComeUpIsTakenBack() {
         const std::optional<FileIdentity> before = identityOf(m_rig->program());
         m_rig->successorComesUp = false;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TorvaneUpdates/Appcast.h"
+
 #include <QByteArray>
 
 namespace torvane {
@@ -31,5 +33,12 @@ struct SampleFeed final {
                sampleSignature().toBase64() + "\" " + more + "/>";
     }
 };
+
+/// What a feed of this one item is read as; of any other number of items, an item that says so.
+inline Updates::AppcastItem onlyItem(const QByteArray& item) {
+    const QList<Updates::AppcastItem> items = Updates::readAppcast(SampleFeed::of(item));
+    return items.size() == 1 ? items.first()
+                             : Updates::AppcastItem{.version = QStringLiteral("not one"), .displayVersion = {}};
+}
 
 } // namespace torvane

@@ -1,5 +1,7 @@
+#include "Support/FileDescriptor.h"
 #include "Support/TestFiles.h"
 #include "TorvaneKitTests/Support/FailingDisk.h"
+#include "TorvaneUpdates/UpdateWorker.h"
 #include "TorvaneUpdatesTests/UpdateRig.h"
 
 #include <QDir>
@@ -7,6 +9,7 @@
 #include <QTest>
 
 #include <cerrno>
+#include <fcntl.h>
 
 using namespace torvane;
 using namespace torvane::Updates;
@@ -61,7 +64,74 @@ private Q_SLOTS:
         QVERIFY2(calls > 15 && failures > 10, "too few calls were made to fail");
     }
 
+    /// So that a power cut finds a whole program, and the one that was last there.
+    void allIsOnTheDiskBeforeItTakesThePlaceAndAfterwards() {
+        int failures = 0;
+        const int calls = updateWith({}, failures);
+        QCOMPARE(failures, 0);
+        int lastWrite = 0;
+        int rename = 0;
+        for (int call = 1; call <= calls; ++call) {
+            lastWrite = FailingDisk::functionOf(call) == "write" ? call : lastWrite;
+            rename = FailingDisk::functionOf(call) == "rename" ? call : rename;
+        }
+        QVERIFY(lastWrite > 0 && lastWrite < rename);
+        QVERIFY(isSyncedBetween(lastWrite, rename));
+        const auto keepsOld = [](int call) { return FailingDisk::functionOf(call) == "unlink"; };
+        int goes = rename + 1;
+        while (goes <= calls && !keepsOld(goes))
+            ++goes;
+        QVERIFY(goes <= calls && isSyncedBetween(rename, goes));
+    }
+
+    void whoeverComesBetweenTwoCallsHasTheLastWord_data() {
+        QTest::addColumn<QByteArray>("function");
+        QTest::addColumn<QByteArray>("suffix");
+        QTest::addColumn<QByteArray>("stays");
+        QTest::newRow("another program before the old one is kept")
+            << QByteArray("link") << QByteArray("velisk") << QByteArray("somebody's");
+        QTest::newRow("another file for the checked one before it is renamed")
+            << QByteArray("rename") << QByteArray(".tmp") << UpdateRig::sample("old");
+    }
+
+    void whoeverComesBetweenTwoCallsHasTheLastWord() {
+        QFETCH(QByteArray, function);
+        QFETCH(QByteArray, suffix);
+        QFETCH(QByteArray, stays);
+        QVERIFY(QDir(folder() + u"/bin"_s).removeRecursively());
+        UpdateRig rig(folder(), seed);
+        rig.publishNew();
+        rig.start();
+        rig.updater->setAutomaticallyChecksForUpdates(false);
+        rig.waitUntilReady();
+        const FileDescriptor running(::open(QFile::encodeName(rig.program()), O_RDONLY | O_CLOEXEC));
+        const auto exchange = [&] {
+            for (const QString& name : TestFiles::entriesOf(rig.programFolder())) {
+                const QString path = rig.programFolder() + u'/' + name;
+                if (name.endsWith(QLatin1StringView(suffix)) && QFile::remove(path))
+                    TestFiles::put(path, "somebody's");
+            }
+        };
+        FailingDisk::arm(QFile::encodeName(rig.programFolder()),
+                         {.call = 1, .only = std::string_view(function), .meanwhile = exchange});
+        rig.installByHand();
+        QVERIFY(FailingDisk::disarm() > 0);
+        QCOMPARE(rig.windows.kind(), u"failed"_s);
+        QCOMPARE(TestFiles::contentOf(rig.program()), stays);
+        rig.updater.reset();
+        updateWorker().waitForDone();
+        QCOMPARE(TestFiles::entriesOf(rig.programFolder()), programAlone);
+    }
+
 private:
+    static bool isSyncedBetween(int from, int to) {
+        while (++from < to) {
+            if (FailingDisk::functionOf(from) == "fsync")
+                return true;
+        }
+        return false;
+    }
+
     QString folder() const { return m_directory->path(); }
 
     int updateWith(const Fault& fault, int& failures) const {

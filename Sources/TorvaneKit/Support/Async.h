@@ -6,6 +6,7 @@
 #include <QMetaObject>
 
 #include <algorithm>
+#include <atomic>
 #include <coroutine>
 #include <exception>
 #include <memory>
@@ -259,6 +260,9 @@ struct DetachedState {
     TaskPromiseBase* awaiting = nullptr; // Null once the awaiting frame is gone.
     std::optional<T> value;
     std::exception_ptr error;
+    // Set when the outcome stands. Qt's queue of events keeps the same order, but by means that ThreadSanitizer does
+    // not know.
+    std::atomic<bool> isDone = false;
 };
 
 } // namespace detail
@@ -292,11 +296,12 @@ auto detached(const Function& function, Worker& on = worker()) {
                 } catch (...) {
                     state->error = std::current_exception();
                 }
+                state->isDone.store(true, std::memory_order_release);
                 // Queued: the frame resumes from the main loop, and a frame that is gone is not touched.
                 QMetaObject::invokeMethod(
                     QCoreApplication::instance(),
                     [state] {
-                        if (state->awaiting)
+                        if (state->isDone.load(std::memory_order_acquire) && state->awaiting)
                             state->awaiting->run();
                     },
                     Qt::QueuedConnection);

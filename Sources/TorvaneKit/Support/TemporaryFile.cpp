@@ -102,7 +102,7 @@ bool TemporaryFile::seal() {
     if (!reading.isOpen() || FileIdentity::of(reading.get()) != FileIdentity::of(m_file.get()))
         return false;
     // Closed first: its lock is in the way of the other's.
-    FileDescriptor(std::exchange(m_file, FileDescriptor(-1)));
+    m_file = FileDescriptor(-1);
     m_file = std::move(reading);
     return lockOwn(m_file.get());
 }

@@ -20,6 +20,7 @@ namespace {
 std::array<char, PATH_MAX> g_directory;
 std::atomic<bool> g_isArmed = false;
 std::atomic<int> g_calls = 0;
+std::array<std::atomic<const char*>, 1000> g_functions{};
 Fault g_fault;
 
 bool concerns(std::string_view path) {
@@ -37,13 +38,19 @@ bool concerns(int file) {
 
 /// Counts a call that concerns the directory: true if it fails.
 template <class Subject>
-bool fails(std::string_view function, Subject subject) {
+bool fails(const char* function, Subject subject) {
     if (!concerns(subject) || (!g_fault.only.empty() && g_fault.only != function))
         return false;
     const int call = ++g_calls;
+    if (static_cast<std::size_t>(call) < g_functions.size())
+        g_functions[static_cast<std::size_t>(call)] = function;
     const bool isFailing = g_fault.call > 0 && (g_fault.isLasting ? call >= g_fault.call : call == g_fault.call);
     if (isFailing && g_fault.kills)
         ::raise(SIGKILL);
+    if (isFailing && g_fault.meanwhile) {
+        g_fault.meanwhile();
+        return false;
+    }
     if (isFailing)
         errno = g_fault.error;
     return isFailing;
@@ -60,12 +67,18 @@ void arm(const QByteArray& directory, const Fault& fault) {
     std::copy_n(directory.constData(), directory.size() + 1, g_directory.begin());
     g_fault = fault;
     g_calls = 0;
+    for (auto& function : g_functions)
+        function = "";
     g_isArmed = true;
 }
 
 int disarm() {
     g_isArmed = false;
     return g_calls;
+}
+
+std::string_view functionOf(int call) {
+    return g_functions.at(static_cast<std::size_t>(call)).load();
 }
 
 } // namespace torvane::FailingDisk
