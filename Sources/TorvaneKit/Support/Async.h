@@ -260,9 +260,33 @@ struct DetachedState {
     TaskPromiseBase* awaiting = nullptr; // Null once the awaiting frame is gone.
     std::optional<T> value;
     std::exception_ptr error;
-    // Set when the outcome stands. Qt's queue of events keeps the same order, but by means that ThreadSanitizer does
-    // not know.
-    std::atomic<bool> isDone = false;
+};
+
+inline std::atomic<unsigned> g_handedOver = 0;
+
+/// What a queued call carries from a worker to the main loop. Qt's queue keeps the two in order, but by means that
+/// ThreadSanitizer does not know. It knows the count, raised once the call holds its copy and read before that is.
+template <class T>
+class HandedOver final {
+public:
+    explicit HandedOver(std::shared_ptr<T> value)
+        : m_value(std::move(value)) {}
+
+    HandedOver(const HandedOver& other)
+        : m_value(other.m_value) {
+        g_handedOver.fetch_add(1, std::memory_order_release);
+    }
+
+    HandedOver& operator=(const HandedOver&) = delete;
+    ~HandedOver() = default;
+
+    T& taken() const {
+        static_cast<void>(g_handedOver.load(std::memory_order_acquire));
+        return *m_value;
+    }
+
+private:
+    std::shared_ptr<T> m_value;
 };
 
 } // namespace detail
@@ -296,13 +320,12 @@ auto detached(const Function& function, Worker& on = worker()) {
                 } catch (...) {
                     state->error = std::current_exception();
                 }
-                state->isDone.store(true, std::memory_order_release);
                 // Queued: the frame resumes from the main loop, and a frame that is gone is not touched.
                 QMetaObject::invokeMethod(
                     QCoreApplication::instance(),
-                    [state] {
-                        if (state->isDone.load(std::memory_order_acquire) && state->awaiting)
-                            state->awaiting->run();
+                    [outcome = detail::HandedOver(state)] {
+                        if (auto* frame = outcome.taken().awaiting)
+                            frame->run();
                     },
                     Qt::QueuedConnection);
             });
