@@ -233,6 +233,19 @@ private Q_SLOTS:
         QCOMPARE(entriesOf(m_rig->programFolder()), programAlone);
     }
 
+    void aProgramBroughtByOthersBeforeTheSuccessorIsUpStaysTheirs() {
+        m_rig->relaunchHangs = true;
+        m_rig->windows.answers = {{u"found"_s, Answer::install}, {u"ready"_s, Answer::install}};
+        m_rig->updater->checkForUpdates();
+        QVERIFY(QTest::qWaitFor([this] { return !m_rig->relaunched.isEmpty(); }, 60'000));
+        QVERIFY(QFile::remove(m_rig->program()));
+        TestFiles::put(m_rig->program(), "brought by somebody else");
+        m_rig->updater.reset();
+        updateWorker().waitForDone();
+        QCOMPARE(contentOf(m_rig->program()), QByteArray("brought by somebody else"));
+        QCOMPARE(entriesOf(m_rig->programFolder()), programAlone);
+    }
+
     void anUpdateThatIsGivenUpLeavesNothing_data() {
         QTest::addColumn<QString>("at");
         QTest::addColumn<Answer>("answer");

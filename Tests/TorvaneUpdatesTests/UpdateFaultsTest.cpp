@@ -1,5 +1,6 @@
 #include "Support/FileDescriptor.h"
 #include "Support/TestFiles.h"
+#include "Support/Worker.h"
 #include "TorvaneKitTests/Support/FailingDisk.h"
 #include "TorvaneUpdates/UpdateWorker.h"
 #include "TorvaneUpdatesTests/UpdateRig.h"
@@ -142,10 +143,12 @@ private:
             rig.start();
             rig.updater->setAutomaticallyChecksForUpdates(false);
             rig.waitUntilReady();
+            worker().waitForDone(); // It writes the preferences, and each of its calls asks whether it is to fail.
             FailingDisk::arm(QFile::encodeName(rig.programFolder()), fault);
             rig.installByHand();
             const bool hasFailed = rig.windows.kind() == u"failed"_s;
             rig.updater.reset();
+            worker().waitForDone();
             calls = FailingDisk::disarm();
             failures += hasFailed;
             requireWhole(rig, hasFailed);
