@@ -10,6 +10,10 @@ foreach(library IN ITEMS GLIBC GLIBCXX Qt)
     set(${name} ${newest})
 endforeach()
 execute_process(COMMAND "${objdump}" --private-headers "${program}" OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
+# Packed relocations are no symbol, but need a loader that reads them.
+if(headers MATCHES "GLIBC_ABI_DT_RELR" AND glibc VERSION_LESS 2.36)
+    set(glibc 2.36)
+endif()
 string(REGEX MATCHALL "NEEDED +[^\n]+" libraries "${headers}")
 list(TRANSFORM libraries REPLACE "NEEDED +" "")
 # Loaded while it runs.
