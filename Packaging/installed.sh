@@ -2,7 +2,7 @@
 # What scripts/install and scripts/uninstall share: the folders of the XDG base directory specification, and the list of
 # what was installed. The list has a line for each file, and for each folder that was made, these with a slash at the end.
 
-# folder_of VALUE DEFAULT: the specification ignores a relative path.
+# folder_of VALUE DEFAULT: XDG base directories are absolute: a relative path is ignored.
 folder_of() {
     case $1 in
     /*) echo "$1" ;;

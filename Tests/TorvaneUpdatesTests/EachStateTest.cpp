@@ -57,10 +57,11 @@ private Q_SLOTS:
 
     void aSecondQuestionBringsTheWindowToTheFront() {
         reach();
+        const auto earlier = m_rig->windows.scenes.count(u"front"_s);
         m_rig->updater->checkForUpdates();
-        turnTheLoop();
+        turnTheLoop(); // In which a download may go on, and say so.
         QFETCH(QString, state);
-        QCOMPARE(m_rig->windows.scenes.last(), u"front"_s);
+        QCOMPARE(m_rig->windows.scenes.count(u"front"_s), earlier + 1);
         QCOMPARE(m_rig->windows.kind(), state);
         QCOMPARE(m_rig->download.documents, 1);
     }
