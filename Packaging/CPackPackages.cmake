@@ -30,7 +30,8 @@ the price of ETH and how the day went. It can notify you when gas is cheap.
 ${figures_of_package}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # libcurl is loaded while the program runs, which no tool can see, and trusts whom the system trusts.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libcurl4 (>= 7.88), ca-certificates")
+# dpkg-shlibdeps does not see packed relocations, which glibc reads since 2.36.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.36), libcurl4 (>= 7.88), ca-certificates")
 # A panel offers its tray on the session's bus; a session without an X server needs Qt's other plugin.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, qt6-wayland, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "notification-daemon")
