@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Support/Task.h"
 #include "Support/Worker.h"
 
 #include <QCoreApplication>
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <coroutine>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -18,173 +18,6 @@
 /// Awaiting on the main loop. g++ 12 destroys some temporaries inside a `co_await` expression twice, so `co_await`
 /// takes only names and calls on names: no closures with captures, no aggregates, no coroutine lambdas with captures.
 namespace torvane {
-
-template <class T = void>
-class Task;
-
-namespace detail {
-
-class Both;
-
-struct TaskPromiseBase {
-    std::coroutine_handle<> frame;     // This task's own.
-    TaskPromiseBase* caller = nullptr; // The task that awaits this one, and whose frame goes on when this one ends.
-    int* siblings = nullptr;           // How many run beside it for the same caller, itself included, if any do.
-    std::exception_ptr error;
-    bool isRunning = false;  // Of the outermost task: somewhere below it code runs at this moment.
-    bool isOrphaned = false; // Its owner let go of it meanwhile: it goes as soon as that code suspends or ends.
-
-    /// Runs a frame that is suspended. The code may destroy whatever owns the outermost task: a frame cannot be freed
-    /// while it runs, so that this is made up for afterwards.
-    void run() {
-        TaskPromiseBase* outermost = this;
-        while (outermost->caller)
-            outermost = outermost->caller;
-        outermost->isRunning = true;
-        frame.resume();
-        outermost->isRunning = false;
-        if (outermost->isOrphaned)
-            outermost->frame.destroy();
-    }
-
-    struct FinalAwaiter {
-        bool await_ready() const noexcept { return false; }
-
-        template <class Promise>
-        std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> finished) const noexcept {
-            const TaskPromiseBase& task = finished.promise();
-            const bool isLast = !task.siblings || --*task.siblings == 0;
-            return isLast && task.caller ? task.caller->frame : std::noop_coroutine();
-        }
-
-        void await_resume() const noexcept {}
-    };
-
-    std::suspend_always initial_suspend() const noexcept { return {}; }
-
-    FinalAwaiter final_suspend() const noexcept { return {}; }
-
-    void unhandled_exception() noexcept { error = std::current_exception(); }
-
-    void rethrow() const {
-        if (error)
-            std::rethrow_exception(error);
-    }
-};
-
-/// What an awaiter's await_suspend takes: the task that waits, to be run again with `task->run()` from the loop.
-struct Suspended {
-    TaskPromiseBase* task;
-
-    template <class Promise>
-    Suspended(std::coroutine_handle<Promise> awaiting) noexcept
-        : task(&awaiting.promise()) {}
-};
-
-template <class T>
-struct TaskPromise : TaskPromiseBase {
-    std::optional<T> value;
-
-    Task<T> get_return_object() noexcept;
-
-    void return_value(T result) { value.emplace(std::move(result)); }
-
-    T take() {
-        rethrow();
-        return std::move(*value);
-    }
-};
-
-template <>
-struct TaskPromise<void> : TaskPromiseBase {
-    Task<void> get_return_object() noexcept;
-
-    void return_void() const noexcept {}
-
-    void take() const { rethrow(); }
-};
-
-} // namespace detail
-
-/// An asynchronous operation that owns its coroutine frame. It starts when it is awaited or started; destroying it
-/// earlier destroys the frame and with it whatever the frame awaits: that is how an operation is cancelled.
-/// An error thrown inside arrives, as it was thrown, where the task is awaited.
-/// Code inside may destroy the owner of the outermost task and so its own: it then runs on to its next suspension,
-/// without what its owner owned, and no further.
-template <class T>
-class [[nodiscard]] Task final {
-public:
-    using promise_type = detail::TaskPromise<T>;
-    using Handle = std::coroutine_handle<promise_type>;
-
-    explicit Task(Handle frame) noexcept
-        : m_frame(frame) {}
-
-    Task(Task&& other) noexcept
-        : m_frame(std::exchange(other.m_frame, nullptr)) {}
-
-    Task& operator=(Task&& other) noexcept {
-        std::swap(m_frame, other.m_frame);
-        return *this;
-    }
-
-    ~Task() {
-        if (!m_frame)
-            return;
-        if (m_frame.promise().isRunning)
-            m_frame.promise().isOrphaned = true;
-        else
-            m_frame.destroy();
-    }
-
-    void start() const { m_frame.promise().run(); }
-
-    bool isDone() const noexcept { return m_frame.done(); }
-
-    /// The outcome of a task that is done; throws what the task threw.
-    T result() const { return m_frame.promise().take(); }
-
-    auto operator co_await() const noexcept {
-        struct Awaiter {
-            Handle frame;
-
-            bool await_ready() const noexcept { return false; }
-
-            std::coroutine_handle<> await_suspend(detail::Suspended awaiting) const noexcept {
-                frame.promise().caller = awaiting.task;
-                return frame;
-            }
-
-            T await_resume() const { return frame.promise().take(); }
-        };
-        return Awaiter{m_frame};
-    }
-
-private:
-    friend class detail::Both;
-
-    /// Starts it as one of several tasks of a caller that is running.
-    void startBeside(int& siblings, detail::TaskPromiseBase* caller) const {
-        m_frame.promise().siblings = &siblings;
-        m_frame.promise().caller = caller;
-        m_frame.resume();
-    }
-
-    Handle m_frame;
-};
-
-template <class T>
-Task<T> detail::TaskPromise<T>::get_return_object() noexcept {
-    const auto own = std::coroutine_handle<TaskPromise>::from_promise(*this);
-    frame = own;
-    return Task<T>(own);
-}
-
-inline Task<void> detail::TaskPromise<void>::get_return_object() noexcept {
-    const auto own = std::coroutine_handle<TaskPromise>::from_promise(*this);
-    frame = own;
-    return Task<void>(own);
-}
 
 namespace detail {
 
