@@ -14,18 +14,6 @@ class UpdateAnswersTest final : public UpdateWindowsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QApplication::setQuitOnLastWindowClosed(false); }
-
-    void init() {
-        m_answers.clear();
-        m_windows = std::make_unique<UpdateWindows>();
-    }
-
-    void cleanup() {
-        m_windows.reset();
-        QCOMPARE(QApplication::topLevelWidgets().size(), 0);
-    }
-
     void aClickAnswersOnceAndFromTheLoop_data() {
         QTest::addColumn<Scene>("scene");
         QTest::addColumn<QString>("text");

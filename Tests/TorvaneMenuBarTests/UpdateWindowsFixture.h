@@ -12,8 +12,23 @@
 
 namespace torvane {
 
-/// Windows of an update, and the answers that their user has given.
+/// Windows of an update, made anew for each test, and the answers that their user has given.
 class UpdateWindowsFixture : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QApplication::setQuitOnLastWindowClosed(false); }
+
+    void init() {
+        m_answers.clear();
+        m_windows = std::make_unique<UpdateWindows>();
+    }
+
+    void cleanup() {
+        m_windows.reset();
+        QCOMPARE(QApplication::topLevelWidgets().size(), 0);
+    }
+
 protected:
     static constexpr int limitMs = 30'000;
 

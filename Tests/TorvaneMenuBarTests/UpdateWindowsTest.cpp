@@ -17,18 +17,6 @@ class UpdateWindowsTest final : public UpdateWindowsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QApplication::setQuitOnLastWindowClosed(false); }
-
-    void init() {
-        m_answers.clear();
-        m_windows = std::make_unique<UpdateWindows>();
-    }
-
-    void cleanup() {
-        m_windows.reset();
-        QCOMPARE(QApplication::topLevelWidgets().size(), 0);
-    }
-
     void thereIsNoWindowWhereNothingIsShown() {
         QVERIFY(isGone());
         m_windows->bringToFront();

@@ -8,23 +8,6 @@ using namespace torvane;
 using namespace torvane::Updates;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-/// Lets everything happen that would happen of itself.
-void turnTheLoop() {
-    for (int turn = 0; turn < 50; ++turn) {
-        worker().waitForDone();
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-}
-
-QDateTime hoursLater(int hours) {
-    return UpdateRig::noon().addSecs(qint64{hours} * 3600);
-}
-
-} // namespace
-
 /// What may happen from outside in each state of an update.
 class EachStateTest final : public QObject {
     Q_OBJECT
@@ -42,10 +25,10 @@ private Q_SLOTS:
     void theSwitchAndTheClockDisturbNothingThatIsSeen() {
         reach();
         for (const int hours : {100, -100, 24 * 365 * 30, 0}) {
-            UpdateRig::setTime(hoursLater(hours));
+            UpdateRig::setHoursAfterNoon(hours);
             m_rig->updater->catchUp();
             m_rig->updater->setAutomaticallyChecksForUpdates(hours != 100);
-            turnTheLoop();
+            UpdateRig::turnTheLoop();
         }
         QFETCH(QString, state);
         QCOMPARE(m_rig->windows.kind(), state);
@@ -59,7 +42,7 @@ private Q_SLOTS:
         reach();
         const auto earlier = m_rig->windows.scenes.count(u"front"_s);
         m_rig->updater->checkForUpdates();
-        turnTheLoop(); // In which a download may go on, and say so.
+        UpdateRig::turnTheLoop(); // In which a download may go on, and say so.
         QFETCH(QString, state);
         QCOMPARE(m_rig->windows.scenes.count(u"front"_s), earlier + 1);
         QCOMPARE(m_rig->windows.kind(), state);
@@ -90,15 +73,15 @@ private Q_SLOTS:
         m_rig->start();
         QVERIFY(hasAsked(1));
         m_rig->waitUntilReady();
-        UpdateRig::setTime(hoursLater(24 * 365 * 30));
+        UpdateRig::setHoursAfterNoon(24 * 365 * 30);
         m_rig->updater->catchUp();
         QVERIFY(hasAsked(2));
         m_rig->waitUntilReady();
-        UpdateRig::setTime(hoursLater(1));
+        UpdateRig::setHoursAfterNoon(1);
         m_rig->updater->catchUp();
-        turnTheLoop();
+        UpdateRig::turnTheLoop();
         QCOMPARE(m_rig->download.documents, 2);
-        UpdateRig::setTime(hoursLater(25));
+        UpdateRig::setHoursAfterNoon(25);
         m_rig->updater->catchUp();
         QVERIFY(hasAsked(3));
     }
@@ -110,7 +93,7 @@ private Q_SLOTS:
         m_rig->start(properties);
         m_rig->waitUntilReady();
         m_rig->updater->catchUp();
-        turnTheLoop();
+        UpdateRig::turnTheLoop();
         QCOMPARE(m_rig->download.documents, 0);
     }
 
@@ -120,7 +103,7 @@ private Q_SLOTS:
         m_rig->windows.answers = {{u"found"_s, Answer::skip}};
         m_rig->start();
         m_rig->waitUntilReady();
-        QVERIFY(QTest::qWaitFor([this] { return m_rig->windows.scenes.contains(u"closed"_s); }, 60'000));
+        QVERIFY(QTest::qWaitFor([this] { return m_rig->windows.scenes.contains(u"closed"_s); }, UpdateRig::patience));
         QVERIFY(!m_rig->defaults().string(u"skippedUpdate"_s));
     }
 
@@ -167,7 +150,7 @@ private:
         m_rig->updater->checkForUpdates();
         m_rig->waitForScene(state);
         if (state == u"installing"_s)
-            QVERIFY(QTest::qWaitFor([this] { return !m_rig->relaunched.isEmpty(); }, 60'000));
+            QVERIFY(QTest::qWaitFor([this] { return !m_rig->relaunched.isEmpty(); }, UpdateRig::patience));
     }
 
     std::unique_ptr<UpdateRig> m_rig;

@@ -15,7 +15,6 @@ namespace torvane::Updates {
 
 namespace {
 
-constexpr int patience = 120'000; // Milliseconds; far beyond what any step takes.
 constexpr mode_t programMode = 0750;
 
 QDateTime g_now;
@@ -119,6 +118,18 @@ void UpdateRig::waitUntilReady() const {
 
 void UpdateRig::waitForScene(const QString& kind) const {
     QVERIFY2(QTest::qWaitFor([&] { return windows.kind() == kind; }, patience), qPrintable(windows.kind()));
+}
+
+void UpdateRig::waitForDocuments(int count) const {
+    QVERIFY(QTest::qWaitFor([&] { return download.documents >= count; }, patience));
+}
+
+void UpdateRig::turnTheLoop() {
+    for (int turn = 0; turn < 50; ++turn) {
+        worker().waitForDone();
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 }
 
 void UpdateRig::installByHand() {

@@ -25,6 +25,8 @@ struct FeedItem final {
 /// feed, and scripted windows and network. The time is noon of a certain day until it is set.
 class UpdateRig final {
 public:
+    static constexpr int patience = 120'000; // Milliseconds; far beyond what any step takes.
+
     /// In a new folder; its owner removes it.
     UpdateRig();
 
@@ -66,6 +68,12 @@ public:
     void waitUntilReady() const;
     void waitForScene(const QString& kind) const;
 
+    /// Until so many documents were asked for.
+    void waitForDocuments(int count) const;
+
+    /// Lets everything happen that would happen of itself.
+    static void turnTheLoop();
+
     /// Checks by hand and answers "install" to everything, until the program is replaced or a failure is shown.
     void installByHand();
 
@@ -73,6 +81,7 @@ public:
 
     /// Sets the time of day.
     static void setTime(const QDateTime& now);
+    static void setHoursAfterNoon(int hours) { setTime(noon().addSecs(qint64{hours} * 3600)); }
     static QDateTime noon();
 
 private:

@@ -8,16 +8,6 @@ using namespace torvane;
 using namespace torvane::Updates;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr int patience = 120'000;
-
-QDateTime hoursLater(int hours) {
-    return UpdateRig::noon().addSecs(qint64{hours} * 3600);
-}
-
-} // namespace
-
 /// What is seen of its checks.
 class UpdaterTest final : public QObject {
     Q_OBJECT
@@ -40,11 +30,11 @@ private Q_SLOTS:
         properties.publicKey = key;
         m_rig->publishNew();
         m_rig->start(properties);
-        turnTheLoop();
+        UpdateRig::turnTheLoop();
         m_rig->updater->checkForUpdates();
         m_rig->updater->catchUp();
         m_rig->updater->setAutomaticallyChecksForUpdates(true);
-        turnTheLoop();
+        UpdateRig::turnTheLoop();
         QVERIFY(!m_rig->updater->canCheckForUpdates);
         QCOMPARE(m_rig->download.documents, 0);
         QCOMPARE(m_rig->windows.scenes, QStringList());
@@ -66,9 +56,9 @@ private Q_SLOTS:
         if (!version.isEmpty())
             m_rig->publish({{.version = version, .payload = payload}});
         m_rig->start();
-        waitForDocuments(1);
+        m_rig->waitForDocuments(1);
         QVERIFY(QTest::qWaitFor([&] { return m_rig->updater->canCheckForUpdates || !m_rig->windows.scenes.isEmpty(); },
-                                patience));
+                                UpdateRig::patience));
         QTEST(m_rig->windows.scenes, "scenes");
     }
 
@@ -80,7 +70,7 @@ private Q_SLOTS:
         QVERIFY(!m_rig->updater->canCheckForUpdates);
         m_rig->waitForScene(u"up to date"_s);
         QCOMPARE(std::get<UpToDate>(*m_rig->windows.last).currentVersion, u"1.0"_s);
-        turnTheLoop();
+        UpdateRig::turnTheLoop();
         QVERIFY(!m_rig->updater->canCheckForUpdates);
         m_rig->windows.give(Answer::close);
         m_rig->waitUntilReady();
@@ -119,7 +109,7 @@ private Q_SLOTS:
         m_rig->publish({{.version = u"1.0"_s, .payload = UpdateRig::sample("old")}});
         m_rig->download.isHeld = true;
         m_rig->start();
-        waitForDocuments(1);
+        m_rig->waitForDocuments(1);
         m_rig->updater->checkForUpdates();
         QCOMPARE(m_rig->windows.kind(), u"checking"_s);
         m_rig->download.isHeld = false;
@@ -198,12 +188,12 @@ private Q_SLOTS:
         m_rig->publishNew();
         m_rig->start();
         m_rig->waitForScene(u"found"_s);
-        UpdateRig::setTime(hoursLater(72));
+        UpdateRig::setHoursAfterNoon(72);
         m_rig->updater->catchUp();
         m_rig->windows.give(Answer::later);
         m_rig->waitUntilReady();
         m_rig->updater->catchUp();
-        turnTheLoop();
+        UpdateRig::turnTheLoop();
         QCOMPARE(m_rig->download.documents, 1);
     }
 
@@ -233,7 +223,7 @@ private Q_SLOTS:
                          .more = u"<sparkle:phasedRolloutInterval>86400</sparkle:phasedRolloutInterval>"
                                  u"<pubDate>Thu, 14 May 2026 11:00:00 +0000</pubDate>"_s}});
         m_rig->updater->setAutomaticallyChecksForUpdates(true);
-        waitForDocuments(1);
+        m_rig->waitForDocuments(1);
         m_rig->waitUntilReady();
         QCOMPARE(m_rig->windows.scenes, QStringList());
         m_rig->updater->checkForUpdates();
@@ -266,19 +256,6 @@ private Q_SLOTS:
     }
 
 private:
-    /// Lets everything happen that would happen of itself.
-    static void turnTheLoop() {
-        for (int turn = 0; turn < 50; ++turn) {
-            worker().waitForDone();
-            QCoreApplication::processEvents();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        }
-    }
-
-    void waitForDocuments(int count) const {
-        QVERIFY(QTest::qWaitFor([&] { return m_rig->download.documents >= count; }, patience));
-    }
-
     /// Started, and it checks only by hand.
     void quiet() const {
         m_rig->start();
@@ -288,10 +265,10 @@ private:
 
     /// A new run so many hours after noon, until its check has ended.
     void checkAgain(int hours) const {
-        UpdateRig::setTime(hoursLater(hours));
+        UpdateRig::setHoursAfterNoon(hours);
         const int before = m_rig->download.documents;
         m_rig->start();
-        waitForDocuments(before + 1);
+        m_rig->waitForDocuments(before + 1);
         m_rig->waitUntilReady();
     }
 
