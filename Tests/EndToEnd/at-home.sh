@@ -102,6 +102,7 @@ popover_closes
 popover_opens
 xdotool key ctrl+q
 program_wait_end
+rig_wait "the panel to forget the item" panel_has_no_item
 if [ "$RIG_PANEL" = mate ]; then
     # Started anew, it stands a little differently without the badge than it did at first.
     rig_wait "the badge to leave the panel" panel_differs "$RIG/badge.png" "$least_pixels"

@@ -203,6 +203,10 @@ registered_items() {
         2>/dev/null | grep -o "'[^']*'" | tr -d "'" | sed 's,/.*,,'
 }
 
+panel_has_no_item() {
+    [ "$(registered_items | wc -l)" = 0 ]
+}
+
 # The bus name of the panel's item with the Id under test. Fails when there is none.
 find_item() {
     local name

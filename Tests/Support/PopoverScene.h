@@ -3,8 +3,7 @@
 #include "Coordination/SnapshotStore.h"
 #include "Support/Clock.h"
 #include "Support/SampleSnapshot.h"
-
-#include <QTemporaryDir>
+#include "Support/TemporaryHome.h"
 
 namespace torvane {
 
@@ -32,7 +31,7 @@ struct PopoverScene {
         store.snapshot = changed;
     }
 
-    QTemporaryDir home;
+    TemporaryHome home;
     UserDefaults defaults{home.filePath(QStringLiteral("preferences.json")), home.filePath(QStringLiteral("cache"))};
     AppSettings settings{defaults};
     SnapshotStore store{settings, defaults};

@@ -4,10 +4,10 @@
 #include "Support/Clock.h"
 #include "Support/SimulatedMarket.h"
 #include "Support/StandInPanel.h"
+#include "Support/TemporaryHome.h"
 
 #include <QProcess>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void init() {
         currentTime = start;
         Clock::setSource(&simulatedTime);
-        m_home = std::make_unique<QTemporaryDir>();
+        m_home = std::make_unique<TemporaryHome>();
         m_defaults =
             std::make_unique<UserDefaults>(m_home->filePath(u"preferences.json"_s), m_home->filePath(u"cache"_s));
         m_settings = std::make_unique<AppSettings>(*m_defaults);
@@ -53,7 +53,6 @@ private Q_SLOTS:
         m_store.reset();
         m_settings.reset();
         m_defaults.reset();
-        worker().waitForDone(); // Nothing is written into a home that is being removed.
         Clock::setSource(nullptr);
     }
 
@@ -173,7 +172,7 @@ private:
 
     void fireAge() { QVERIFY(QMetaObject::invokeMethod(ageTimer(), "timeout")); }
 
-    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<AppSettings> m_settings;
     std::unique_ptr<SnapshotStore> m_store;

@@ -1,9 +1,9 @@
 #include "Badge/BadgeLook.h"
 
 #include "Support/SimulatedMarket.h"
+#include "Support/TemporaryHome.h"
 
 #include <QLocale>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -35,7 +35,8 @@ class BadgeLookTest final : public QObject {
 private Q_SLOTS:
     void init() {
         m_settings.reset();
-        m_home = std::make_unique<QTemporaryDir>();
+        m_defaults.reset();
+        m_home = std::make_unique<TemporaryHome>();
         m_defaults =
             std::make_unique<UserDefaults>(m_home->filePath(u"preferences.json"_s), m_home->filePath(u"cache"_s));
         m_settings = std::make_unique<AppSettings>(*m_defaults);
@@ -143,7 +144,7 @@ private:
     BadgeLook look() const { return badgeLook(m_snapshot, now, *m_settings, now); }
 
     Snapshot m_snapshot = snapshot();
-    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<AppSettings> m_settings;
 };

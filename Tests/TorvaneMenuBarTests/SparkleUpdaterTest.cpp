@@ -1,10 +1,10 @@
 #include "SparkleUpdater.h"
 
 #include "Support/Clock.h"
+#include "Support/TemporaryHome.h"
 #include "Support/Worker.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -46,7 +46,7 @@ Task<bool> failToRelaunch(QString) {
 class SparkleUpdaterTest final : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<UserDefaults> m_defaults;
     SilentDownload m_download;
     std::unique_ptr<SparkleUpdater> m_bridge;
@@ -88,7 +88,7 @@ private Q_SLOTS:
     void initTestCase() { QApplication::setQuitOnLastWindowClosed(false); }
 
     void init() {
-        m_home = std::make_unique<QTemporaryDir>();
+        m_home = std::make_unique<TemporaryHome>();
         m_download.documents = 0;
     }
 

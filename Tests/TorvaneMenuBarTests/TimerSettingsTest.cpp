@@ -2,9 +2,9 @@
 
 #include "Support/JSON.h"
 #include "Support/SimulatedMarket.h"
+#include "Support/TemporaryHome.h"
 
 #include <QPointer>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -13,7 +13,7 @@ using namespace torvane;
 class TimerSettingsTest final : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<AppSettings> m_settings;
     std::unique_ptr<SnapshotStore> m_store;
@@ -33,7 +33,7 @@ class TimerSettingsTest final : public QObject {
 
 private Q_SLOTS:
     void init() {
-        m_home = std::make_unique<QTemporaryDir>();
+        m_home = std::make_unique<TemporaryHome>();
         m_defaults = std::make_unique<UserDefaults>(m_home->filePath(QStringLiteral("preferences.json")),
                                                     m_home->filePath(QStringLiteral("cache")));
         const QDateTime time = QDateTime::fromSecsSinceEpoch(1'790'000'000, Qt::UTC);
@@ -49,7 +49,6 @@ private Q_SLOTS:
         m_store.reset();
         m_settings.reset();
         m_defaults.reset();
-        worker().waitForDone(); // Nothing is written into a home that is being removed.
     }
 
     void anotherCadenceRebuildsTheTimersOnceItIsInEffect() {

@@ -31,7 +31,6 @@ LiveStore::LiveStore()
 
 LiveStore::~LiveStore() {
     store.reset();
-    worker().waitForDone(); // Nothing is written into a home that is being removed.
     Clock::setSource(nullptr);
 }
 

@@ -6,10 +6,10 @@
 #include "Support/RPCAnswers.h"
 #include "Support/SimulatedMarket.h"
 #include "Support/StandInServer.h"
+#include "Support/TemporaryHome.h"
 #include "Support/TestConfig.h"
 
 #include <QByteArrayList>
-#include <QTemporaryDir>
 #include <QTimer>
 
 namespace torvane {
@@ -71,7 +71,7 @@ public:
     std::optional<double> baseCost() const;
 
     StandInServer server;
-    QTemporaryDir home;
+    TemporaryHome home;
     UserDefaults defaults;
     AppSettings settings;
     std::unique_ptr<SnapshotStore> store;

@@ -5,11 +5,11 @@
 #include "Support/JSON.h"
 #include "Support/SimulatedMarket.h"
 #include "Support/StandInServer.h"
+#include "Support/TemporaryHome.h"
 #include "Support/TestConfig.h"
 
 #include <QFile>
 #include <QLoggingCategory>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -77,7 +77,7 @@ protected:
     /// As when a minute has passed.
     void fire() { QVERIFY(QMetaObject::invokeMethod(relayTimer(), "timeout")); }
 
-    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<StandInServer> m_relay;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<AppSettings> m_settings;
@@ -87,7 +87,7 @@ private Q_SLOTS:
     void initTestCase() { logRequests(false); }
 
     void init() {
-        m_home = std::make_unique<QTemporaryDir>();
+        m_home = std::make_unique<TemporaryHome>();
         m_relay = std::make_unique<StandInServer>();
         TestConfig::setRelayHost(m_relay->host());
         TestConfig::setTrustAnchorPath(StandInServer::certificatePath("ca"));
@@ -100,7 +100,6 @@ private Q_SLOTS:
         m_store.reset();
         m_settings.reset();
         m_defaults.reset();
-        worker().waitForDone(); // Nothing is written into a home that is being removed.
         Clock::setSource(nullptr);
     }
 };

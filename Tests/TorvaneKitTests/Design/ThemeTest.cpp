@@ -1,12 +1,12 @@
 #include "Design/Theme.h"
 
 #include "Support/PrivateBus.h"
+#include "Support/TemporaryHome.h"
 
 #include <QApplication>
 #include <QMenu>
 #include <QProxyStyle>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace torvane;
@@ -54,7 +54,7 @@ QString windowColor() {
 class ThemeTest final : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TemporaryHome> m_folder;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<AppSettings> m_settings;
     std::unique_ptr<ApplicationPalette> m_palette;
@@ -81,7 +81,7 @@ private Q_SLOTS:
 };
 
 void ThemeTest::init() {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<TemporaryHome>();
     m_defaults = std::make_unique<UserDefaults>(m_folder->filePath(u"preferences.json"_s), m_folder->path());
     m_settings = std::make_unique<AppSettings>(*m_defaults);
 }

@@ -1,10 +1,10 @@
 #include "Model/AppSettings.h"
 
 #include "Model/Snapshot.h"
+#include "Support/TemporaryHome.h"
 #include "Support/TestFiles.h"
 #include "Support/Worker.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
@@ -16,7 +16,7 @@ class AppSettingsTest final : public QObject {
 
 private Q_SLOTS:
     void init() {
-        m_directory = std::make_unique<QTemporaryDir>();
+        m_directory = std::make_unique<TemporaryHome>();
         QVERIFY(m_directory->isValid());
     }
 
@@ -338,7 +338,7 @@ private:
 
     void store(const QByteArray& text) const { TestFiles::put(path(), text); }
 
-    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<TemporaryHome> m_directory;
 };
 
 QTEST_GUILESS_MAIN(AppSettingsTest)

@@ -1,9 +1,9 @@
 #include "Support/Setting.h"
 
+#include "Support/TemporaryHome.h"
 #include "Support/TestFiles.h"
 #include "Support/Worker.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace torvane;
@@ -48,7 +48,7 @@ class SettingTest final : public QObject {
 
 private Q_SLOTS:
     void init() {
-        m_directory = std::make_unique<QTemporaryDir>();
+        m_directory = std::make_unique<TemporaryHome>();
         QVERIFY(m_directory->isValid());
     }
 
@@ -161,7 +161,7 @@ private:
         return TestFiles::contentOf(path()).replace("\n", "").replace("  ", "").replace("\": ", "\":");
     }
 
-    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<TemporaryHome> m_directory;
 };
 
 QTEST_GUILESS_MAIN(SettingTest)

@@ -1,9 +1,9 @@
 #include "Views/MenuBarLabel.h"
 
 #include "Design/DesignSystem.h"
+#include "Support/TemporaryHome.h"
 
 #include <QFontInfo>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
@@ -52,7 +52,8 @@ private Q_SLOTS:
     void init() {
         MenuBarRasterCache::badgeIcons().clear();
         m_settings.reset();
-        m_home = std::make_unique<QTemporaryDir>();
+        m_defaults.reset();
+        m_home = std::make_unique<TemporaryHome>();
         m_defaults =
             std::make_unique<UserDefaults>(m_home->filePath(u"preferences.json"_s), m_home->filePath(u"cache"_s));
         m_settings = std::make_unique<AppSettings>(*m_defaults);
@@ -264,7 +265,7 @@ private:
         return std::get<BadgeRaster>(*MenuBarLabel::badgeLeading(of, *m_settings));
     }
 
-    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<AppSettings> m_settings;
 };

@@ -2,6 +2,7 @@
 
 #include "Support/JSON.h"
 #include "Support/SimulatedMarket.h"
+#include "Support/TemporaryHome.h"
 #include "Support/TestFiles.h"
 #include "Support/Worker.h"
 #include "Views/PreferencesView.h"
@@ -10,7 +11,6 @@
 #include "Views/TextLine.h"
 
 #include <QScrollArea>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -31,7 +31,6 @@ public:
         store.reset();
         settings.reset();
         defaults.reset();
-        worker().waitForDone(); // Nothing is written into a home that is being removed.
     }
 
     /// As a new start of the program: everything is read anew.
@@ -103,7 +102,7 @@ public:
         return texts;
     }
 
-    QTemporaryDir home;
+    TemporaryHome home;
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<AppSettings> settings;
     std::unique_ptr<SnapshotStore> store;
