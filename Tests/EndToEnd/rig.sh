@@ -31,14 +31,14 @@ rig_enter() {
     fi
     RIG=$(mktemp -d)
     trap rig_remove EXIT
-    mkdir -p "$RIG"/{config,cache,data,home,run,log}
+    mkdir -p "$RIG"/{config,cache,data,home,run,log,tmp}
     chmod 700 "$RIG/run"
     rig_configure xfce4-panel.xml "$RIG/config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
     rig_configure lxqt-panel.conf "$RIG/config/lxqt/panel.conf"
     rig_configure mate-panel.keyfile "$RIG/config/glib-2.0/settings/keyfile"
     rig_configure gtk-settings.ini "$RIG/config/gtk-3.0/settings.ini"
     export RIG HOME=$RIG/home XDG_CONFIG_HOME=$RIG/config XDG_CACHE_HOME=$RIG/cache XDG_DATA_HOME=$RIG/data \
-        XDG_RUNTIME_DIR=$RIG/run XDG_CURRENT_DESKTOP=XFCE GSETTINGS_BACKEND=keyfile LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
+        XDG_RUNTIME_DIR=$RIG/run TMPDIR=$RIG/tmp XDG_CURRENT_DESKTOP=XFCE GSETTINGS_BACKEND=keyfile LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
     # The keyboard library of X hands strndup bytes without an end, rightly, but the strict check takes it for an error.
     export ASAN_OPTIONS=${ASAN_OPTIONS:-}:strict_string_checks=0
     unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
