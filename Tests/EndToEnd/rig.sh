@@ -5,6 +5,7 @@
 # RIG_PANEL         xfce, lxqt, mate, trayer (a tray for windows alone) or ayatana (a service without a face) (xfce)
 # RIG_LIMIT         seconds that a condition may take (60)
 # RIG_SCREEN        width, height and depth of the screen (1280x800x24)
+# RIG_MONITORS      monitors that the screen is divided into, each WxH+X+Y, the panel's first (one)
 # RIG_PANEL_SIZE    height of the panel in pixels (32)
 # RIG_PANEL_DARK    true or false (true); lxqt's panel has a look of its own
 # RIG_BUTTON_IMAGES true or false: whether programs on GTK show images on buttons (false, as GTK has it)
@@ -72,10 +73,21 @@ rig_furnish() {
     trap rig_leave EXIT
     openbox >"$RIG/log/openbox" 2>&1 &
     rig_wait "the window manager" rig_has_window_manager
+    rig_divide_screen
     if [ -n "${RIG_PREPARE:-}" ]; then
         # shellcheck source=/dev/null
         source "$RIG_PREPARE"
     fi
+}
+
+# The only output there is belongs to the first monitor. Millimetres are for about 96 dots an inch.
+rig_divide_screen() {
+    local output=screen number=1 monitor width height x y
+    for monitor in ${RIG_MONITORS:-}; do
+        IFS='x+' read -r width height x y <<<"$monitor"
+        xrandr --setmonitor "monitor-$number" "$width/$((width * 254 / 960))x$height/$((height * 254 / 960))+$x+$y" "$output"
+        output=none number=$((number + 1))
+    done
 }
 
 # On a failure, what the programs said is all there is to learn from.
