@@ -8,7 +8,8 @@ namespace torvane {
 namespace {
 
 constexpr double dayMinutes = 1440;
-constexpr double mostRunsMissed = 3;
+/// The document is about four runs old when three are missing, and three when two are; timers are late by some seconds.
+constexpr double mostRunsBetween = 3.5;
 constexpr qsizetype fewestPointsForMedian = 12;
 constexpr double elevatedFactor = 1.5;
 
@@ -49,7 +50,7 @@ double median(QList<double> values) {
 
 std::optional<Series> continued(const std::optional<EarlierRow>& earlier, std::optional<double> price,
                                 double minutesBetweenRuns) {
-    if (!earlier || earlier->minutesAgo > mostRunsMissed * minutesBetweenRuns)
+    if (!earlier || earlier->minutesAgo > mostRunsBetween * minutesBetweenRuns)
         return std::nullopt;
     Series series = startedBy(earlier->row);
     if (series.points.isEmpty())

@@ -23,7 +23,7 @@ struct EarlierRow {
 };
 
 /// The series that goes on from the earlier row, with the present price if there is one. None at the first run, and
-/// after a pause of more than three runs. A run that finds no price leaves a hole: the window grows and the points do
+/// when three runs or more are missing. A run that finds no price leaves a hole: the window grows and the points do
 /// not; once half of them are missing, the series starts anew. What is older than 24 hours goes.
 std::optional<Series> continued(const std::optional<EarlierRow>& earlier, std::optional<double> price,
                                 double minutesBetweenRuns);

@@ -157,7 +157,7 @@ private Q_SLOTS:
         QVERIFY(run());
         QCOMPARE(base().status, QStringLiteral("Elevated"));
         QCOMPARE(base().history->size(), 13);
-        advance(16); // Too long a pause to know what is usual.
+        advance(19); // Too long a pause to know what is usual.
         QVERIFY(run());
         QCOMPARE(base().status, QStringLiteral("Normal"));
         QVERIFY(!base().history);

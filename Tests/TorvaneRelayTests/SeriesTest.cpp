@@ -43,9 +43,14 @@ private Q_SLOTS:
         QCOMPARE(series->windowMinutes, 16.0);
     }
 
-    void aPauseOfMoreThanThreeRunsStartsAnew() {
+    void twoRunsThatAreMissingCostNoHistoryAlsoWhenTheTimerIsLate() {
         QVERIFY(continued(earlier({1, 2, 3}, 10, 15), 4, 5));
-        QVERIFY(!continued(earlier({1, 2, 3}, 10, 15.1), 4, 5));
+        QVERIFY(continued(earlier({1, 2, 3}, 10, 15.9), 4, 5));
+    }
+
+    void threeRunsThatAreMissingStartItAnewAlsoWhenTheTimerIsEarly() {
+        QVERIFY(!continued(earlier({1, 2, 3}, 10, 19), 4, 5));
+        QVERIFY(!continued(earlier({1, 2, 3}, 10, 20), 4, 5));
     }
 
     void aRunWithoutAPriceLeavesAHole() {
