@@ -163,6 +163,26 @@ private Q_SLOTS:
         QVERIFY(!base().history);
     }
 
+    void baseFeesThatCannotBeReadKeepTheEarlierDocuments() {
+        QVERIFY(run());
+        const QList<double> whole = written().gas.history;
+        QCOMPARE(whole.size(), 22);
+        advance(10);
+        m_world->chain(QStringLiteral("Ethereum"))
+            .misbehave(QStringLiteral("eth_feeHistory earlier"), StandInAnswer::status(503), 1);
+        QVERIFY(run());
+        QCOMPARE(written().gas.history, whole + QList<double>{whole.last()});
+        QVERIFY(m_lines[0].endsWith(QStringLiteral(", 23 points of base fees, of which nodes gave only 8 now")));
+        advance(10);
+        m_world->chain(QStringLiteral("Ethereum"))
+            .misbehave(QStringLiteral("eth_feeHistory earlier"), StandInAnswer::status(503));
+        QVERIFY(run());
+        QCOMPARE(written().gas.history, whole + QList<double>({whole.last(), 10.47146}));
+        advance(19); // Too long a pause.
+        QVERIFY(run());
+        QVERIFY(written().gas.history.isEmpty());
+    }
+
     void aNetworkThatIsGoneKeepsItsHistoryForAWhile() {
         for (int i = 0; i < 3; ++i, advance(5))
             QVERIFY(run());
