@@ -19,7 +19,7 @@ public:
     /// For the preferences. Its `canCheck` is false until the main loop runs.
     UpdaterState& state() { return m_state; }
 
-    /// A time of day may have passed unnoticed (sleep): an overdue check starts now.
+    /// A time of day may have passed unnoticed (sleep): an overdue check is made soon.
     void catchUp() { m_controller.updater().catchUp(); }
 
 Q_SIGNALS:

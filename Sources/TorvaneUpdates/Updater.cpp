@@ -76,10 +76,10 @@ void Updater::setAutomaticallyChecksForUpdates(bool automatic) {
 }
 
 void Updater::catchUp() {
-    // A check that is about to be made at the start keeps its moment. What is left of it is no measure: a coarse timer
-    // may begin with more than it was given.
+    // A check that is about to be made keeps its moment. What is left of it is no measure: a coarse timer may begin with
+    // more than it was given.
     if (!m_nextCheck.isActive() || m_nextCheck.intervalAsDuration() > m_properties.settling)
-        checkIfDue();
+        schedule(m_properties.settling);
 }
 
 void Updater::schedule(std::chrono::milliseconds soonest) {

@@ -42,7 +42,8 @@ public:
     bool automaticallyChecksForUpdates() const;
     void setAutomaticallyChecksForUpdates(bool automatic);
 
-    /// A time of day may have passed unnoticed (sleep): an overdue check starts now.
+    /// A time of day may have passed unnoticed (sleep): an overdue check is made as soon as one at the start would be.
+    /// At once it would fail, since after a sleep the network takes some seconds to come up.
     void catchUp();
 
 Q_SIGNALS:

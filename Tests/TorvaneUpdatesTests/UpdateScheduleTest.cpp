@@ -62,6 +62,26 @@ private Q_SLOTS:
         m_rig->waitForDocuments(2);
     }
 
+    void aMachineThatWakesGivesItsNetworkTimeToComeUp() {
+        endACheck();
+        Properties properties = m_rig->properties();
+        properties.settling = std::chrono::hours(1);
+        m_rig->start(properties);
+        m_rig->waitUntilReady();
+        UpdateRig::setHoursAfterNoon(25);
+        m_rig->updater->catchUp();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 1);
+        QCOMPARE(lastCheck(*m_rig), noonText); // Kept when a check begins, not before.
+        properties.settling = std::chrono::seconds(1);
+        UpdateRig::setHoursAfterNoon(23);
+        m_rig->start(properties);
+        m_rig->waitUntilReady();
+        UpdateRig::setHoursAfterNoon(25);
+        m_rig->updater->catchUp();
+        m_rig->waitForDocuments(2);
+    }
+
     void theNextCheckComesByItself() {
         Properties properties = m_rig->properties();
         properties.interval = std::chrono::seconds(2);
