@@ -46,6 +46,9 @@ public:
     /// At once it would fail, since after a sleep the network takes some seconds to come up.
     void catchUp();
 
+    /// This machine's addresses are others now: a check by itself that could not fetch the feed is made once more.
+    void tryAgain();
+
 Q_SIGNALS:
     /// The successor runs: this program must end.
     void replaced();
@@ -66,7 +69,10 @@ private:
     Executable m_executable;        // As it was when the program started.
     QTimer m_nextCheck;
     std::unique_ptr<UpdateSession> m_session;
-    TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
+    bool m_mayTryAgain = false;       // The last check may be made once more.
+    bool m_isSecondTry = false;       // The one that is under way is such a one.
+    bool m_hasNetworkChanged = false; // Since it began.
+    TaskScope m_tasks;                // Last, so that what still runs goes before what it uses.
 };
 
 } // namespace torvane::Updates
