@@ -43,9 +43,11 @@ class RelayTest final : public QObject {
 
     QString document() const { return m_directory->filePath(QStringLiteral("snapshot.json")); }
 
-    bool run() {
+    bool run() { return run(m_world->table()); }
+
+    bool run(const RelayTable& table) {
         m_lines.clear();
-        Relay relay(m_world->table(), document(), [this](const QString& line) { m_lines.append(line); });
+        Relay relay(table, document(), [this](const QString& line) { m_lines.append(line); });
         return await(relay.run()).has_value();
     }
 
@@ -115,6 +117,17 @@ private Q_SLOTS:
         QVERIFY(!staking.totalEthEquivalent); // A part would pass for the whole.
         QCOMPARE(staking.provenance.status, QStringLiteral("partial"));
         QCOMPARE(staking.provenance.detail.section(u';', 0, 0), QStringLiteral("2 of 3 protocols read at block 1144"));
+    }
+
+    void aTableWithoutProtocolsSaysSo() {
+        RelayTable table = m_world->table();
+        table.staking.clear();
+        QVERIFY(run(table));
+        const LiquidStakingData staking = written().staking.liquidStaking;
+        QVERIFY(staking.protocols.isEmpty() && !staking.totalEthEquivalent);
+        QCOMPARE(staking.provenance.status, QStringLiteral("unavailable"));
+        QCOMPARE(staking.provenance.detail, QStringLiteral("the relay's table names no protocols"));
+        QVERIFY(m_lines.contains(QStringLiteral("Staking: the relay's table names no protocols")));
     }
 
     void everyoneMayReadTheDocument() {
