@@ -19,8 +19,11 @@ public:
     /// For the preferences. Its `canCheck` is false until the main loop runs.
     UpdaterState& state() { return m_state; }
 
-    /// A time of day may have passed unnoticed (sleep): an overdue check starts now.
+    /// A time of day may have passed unnoticed (sleep): an overdue check is made soon.
     void catchUp() { m_controller.updater().catchUp(); }
+
+    /// The network is another one: a check by itself that could not reach its server is made once more.
+    void tryAgain() { m_controller.updater().tryAgain(); }
 
 Q_SIGNALS:
     /// A newer version runs in this one's place: this program must end.

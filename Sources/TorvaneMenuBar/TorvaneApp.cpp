@@ -56,6 +56,7 @@ TorvaneApp::TorvaneApp(const QString& id, Updates::Relaunch relaunch)
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_updater, &SparkleUpdater::catchUp);
     connect(&m_updater, &SparkleUpdater::replaced, this, &QCoreApplication::quit);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
+    connect(&m_systemChanges, &SystemChanges::networkChanged, &m_updater, &SparkleUpdater::tryAgain);
     showBadge();
     QTimer::singleShot(rehearsalDelay, this, &TorvaneApp::rehearse);
 }

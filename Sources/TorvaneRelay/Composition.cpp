@@ -22,13 +22,25 @@ PriceData priceData(const Reading& reading) {
     return price;
 }
 
-GasData gasData(const Reading& reading) {
+/// The day's. Part of it would pass for the whole: where nodes fail on the way, the earlier document has the rest.
+QList<double> baseFees(const Reading& reading, const std::optional<Earlier>& earlier, const QDateTime& now,
+                       double minutesBetweenRuns) {
+    const BaseFeeHistory& read = reading.baseFeeHistory;
+    if (read.isWhole)
+        return read.points;
+    std::optional<EarlierBaseFees> before;
+    if (earlier && !earlier->snapshot.gas.history.isEmpty())
+        before = {earlier->snapshot.gas.history, earlier->minutesAgo};
+    return continuedBaseFees(before, read.points, reading.gas->baseFee, now, minutesBetweenRuns);
+}
+
+GasData gasData(const Reading& reading, const QList<double>& history) {
     const LiveGasQuote& gas = *reading.gas;
     return {gas.baseFee,
             gas.low,
             gas.avg,
             gas.high,
-            reading.baseFeeHistory,
+            history,
             costUsd(reading.price->usd, gas.baseFee, Format::transferGas),
             costUsd(reading.price->usd, gas.baseFee, swapGas)};
 }
@@ -80,7 +92,11 @@ QString ethereumLine(const Reading& reading, const Snapshot& snapshot) {
                             Format::ethPrice(snapshot.price.eth), Format::pct(snapshot.price.change24h));
     if (!reading.poolPrice)
         line += QStringLiteral(", no second source of the price");
-    return line + QStringLiteral(", %1 points of base fees").arg(QString::number(snapshot.gas.history.size()));
+    line += QStringLiteral(", %1 points of base fees").arg(QString::number(snapshot.gas.history.size()));
+    if (!reading.baseFeeHistory.isWhole)
+        line += QStringLiteral(", of which nodes gave only %1 now")
+                    .arg(QString::number(reading.baseFeeHistory.points.size()));
+    return line;
 }
 
 } // namespace
@@ -102,7 +118,7 @@ Snapshot composed(const Reading& reading, const RelayTable& table, const std::op
     }
     return {documentTime(generatedAt),
             priceData(reading),
-            gasData(reading),
+            gasData(reading, baseFees(reading, earlier, generatedAt, table.minutesBetweenRuns)),
             rows,
             {liquidStaking(reading.protocols, QString::number(reading.block))}};
 }

@@ -78,21 +78,22 @@ Task<LiveGasQuote> readGas(Nodes& nodes) {
     co_return deriveLive(history);
 }
 
-Task<QList<double>> readBaseFeeHistory(Nodes& nodes, quint64 newestBlock) {
+Task<BaseFeeHistory> readBaseFeeHistory(Nodes& nodes, quint64 newestBlock) {
     QList<double> newestFirst;
+    bool isWhole = false;
     try {
-        for (bool isAtStart = false; newestFirst.size() < dayBlocks && !isAtStart;) {
+        while (!isWhole) {
             const qsizetype count = std::min(mostBlocksPerPage, dayBlocks - newestFirst.size());
             Task<BaseFees> call = readPage(nodes, count, newestBlock);
             const BaseFees page = co_await call;
             appendNewestFirst(newestFirst, page);
-            isAtStart = page.oldestBlock.value == 0;
+            isWhole = newestFirst.size() >= dayBlocks || page.oldestBlock.value == 0;
             newestBlock = page.oldestBlock.value - 1;
         }
     } catch (const std::exception&) {
-        // What has been read is right; the rest comes with a later run.
+        // What has been read is right; the rest is the earlier document's, or comes with a later run.
     }
-    co_return means(newestFirst);
+    co_return BaseFeeHistory{means(newestFirst), isWhole};
 }
 
 } // namespace torvane

@@ -75,6 +75,11 @@ Task<LiquidStakingProtocol> readProtocol(ChainAtBlock chain, RelayTable::Staking
 LiquidStakingData liquidStaking(const QList<LiquidStakingProtocol>& protocols, const QString& block) {
     LiquidStakingData data{};
     data.protocols = protocols;
+    if (protocols.isEmpty()) { // All of none would be "live".
+        data.provenance = {QStringLiteral("unavailable"), source(),
+                           QStringLiteral("the relay's table names no protocols")};
+        return data;
+    }
     qsizetype read = 0;
     double total = 0;
     for (const LiquidStakingProtocol& protocol : protocols) {

@@ -2,6 +2,7 @@
 
 #include "Chain/NetworkClient.h"
 #include "Model/Config.h"
+#include "Support/Clock.h"
 #include "Support/SafeFile.h"
 
 #include <QFileInfo>
@@ -39,7 +40,23 @@ LocalService::LocalService(const RelayTable& table, const Options& options, cons
     serveEarlier(documentPath(options));
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { m_runs.run(run()); });
+    // It tells of nothing while the machine sleeps, and of a sleep within a minute after it.
+    m_watch.setTimerType(Qt::VeryCoarseTimer);
+    QObject::connect(&m_watch, &QTimer::timeout, &m_watch, [this] { catchUp(); });
+    m_watch.start(std::chrono::minutes(1));
     m_runs.run(run());
+}
+
+void LocalService::catchUp() {
+    if (!m_timer.isActive() || Clock::now() < m_due)
+        return;
+    m_timer.stop();
+    m_runs.run(run());
+}
+
+void LocalService::waitForNext(milliseconds wait) {
+    m_due = Clock::now().addMSecs(wait.count());
+    m_timer.start(wait);
 }
 
 void LocalService::serveEarlier(const QString& document) {
@@ -55,7 +72,7 @@ Task<> LocalService::run() {
     if (document)
         m_server.serve(*document);
     const milliseconds rest(next.remainingTime());
-    m_timer.start(document ? rest : std::min(afterFailure, m_betweenRuns));
+    waitForNext(document ? rest : std::min(afterFailure, m_betweenRuns));
 }
 
 } // namespace torvane

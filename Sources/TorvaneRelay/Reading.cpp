@@ -1,6 +1,5 @@
 #include "Reading.h"
 
-#include "EthereumGas.h"
 #include "LiquidStaking.h"
 #include "Questions.h"
 #include "Together.h"
@@ -68,7 +67,7 @@ Task<> readGasInto(Reading& reading, Nodes& nodes) {
 }
 
 Task<> readHistoryInto(Reading& reading, Nodes& nodes) {
-    Task<QList<double>> call = readBaseFeeHistory(nodes, reading.block);
+    Task<BaseFeeHistory> call = readBaseFeeHistory(nodes, reading.block);
     reading.baseFeeHistory = co_await call;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Chain/LiveQuotes.h"
 #include "EtherPrice.h"
+#include "EthereumGas.h"
 #include "Model/Snapshot.h"
 #include "NetworkRow.h"
 #include "RelayTable.h"
@@ -19,7 +20,7 @@ struct Reading {
     std::optional<EtherPrice> price;
     std::optional<double> poolPrice;
     std::optional<LiveGasQuote> gas;
-    QList<double> baseFeeHistory;
+    BaseFeeHistory baseFeeHistory;
     QList<LiquidStakingProtocol> protocols;
     QList<NetworkReading> networks; ///< in the table's order
     QString trouble;

@@ -8,9 +8,17 @@ namespace torvane {
 namespace {
 
 constexpr double dayMinutes = 1440;
-constexpr double mostRunsMissed = 3;
+/// The document is about four runs old when three are missing, and three when two are; timers are late by some seconds.
+constexpr double mostRunsBetween = 3.5;
 constexpr qsizetype fewestPointsForMedian = 12;
 constexpr double elevatedFactor = 1.5;
+
+constexpr qsizetype dayPointsOfBaseFees = 144;
+constexpr double minutesBetweenBaseFees = 10;
+
+bool goesOn(double minutesAgo, double minutesBetweenRuns) {
+    return minutesAgo <= mostRunsBetween * minutesBetweenRuns;
+}
 
 /// The second run knows the first one's price alone.
 Series startedBy(const L2Entry& row) {
@@ -37,6 +45,12 @@ void dropOlderThanADay(Series& series) {
     series.windowMinutes = dayMinutes;
 }
 
+qsizetype marksPassed(double minutesAgo, const QDateTime& now) {
+    const double minutes = static_cast<double>(now.toMSecsSinceEpoch()) / 60'000;
+    return static_cast<qsizetype>(std::floor(minutes / minutesBetweenBaseFees) -
+                                  std::floor((minutes - minutesAgo) / minutesBetweenBaseFees));
+}
+
 double median(QList<double> values) {
     const auto middle = values.begin() + values.size() / 2;
     std::nth_element(values.begin(), middle, values.end());
@@ -49,7 +63,7 @@ double median(QList<double> values) {
 
 std::optional<Series> continued(const std::optional<EarlierRow>& earlier, std::optional<double> price,
                                 double minutesBetweenRuns) {
-    if (!earlier || earlier->minutesAgo > mostRunsMissed * minutesBetweenRuns)
+    if (!earlier || !goesOn(earlier->minutesAgo, minutesBetweenRuns))
         return std::nullopt;
     Series series = startedBy(earlier->row);
     if (series.points.isEmpty())
@@ -63,6 +77,18 @@ std::optional<Series> continued(const std::optional<EarlierRow>& earlier, std::o
         return std::nullopt;
     dropOlderThanADay(series);
     return series;
+}
+
+QList<double> continuedBaseFees(const std::optional<EarlierBaseFees>& earlier, const QList<double>& newest,
+                                double present, const QDateTime& now, double minutesBetweenRuns) {
+    if (!earlier || !goesOn(earlier->minutesAgo, minutesBetweenRuns))
+        return newest;
+    const QList<double> added = newest.isEmpty() ? QList<double>{present} : newest;
+    const qsizetype count = std::clamp<qsizetype>(marksPassed(earlier->minutesAgo, now), 0, added.size());
+    QList<double> points = earlier->points + added.last(count);
+    if (points.size() > dayPointsOfBaseFees)
+        points = points.last(dayPointsOfBaseFees);
+    return points.size() > newest.size() ? points : newest;
 }
 
 QString congestion(std::optional<double> price, const QList<double>& earlierPoints) {

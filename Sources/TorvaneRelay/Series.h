@@ -23,10 +23,23 @@ struct EarlierRow {
 };
 
 /// The series that goes on from the earlier row, with the present price if there is one. None at the first run, and
-/// after a pause of more than three runs. A run that finds no price leaves a hole: the window grows and the points do
+/// when three runs or more are missing. A run that finds no price leaves a hole: the window grows and the points do
 /// not; once half of them are missing, the series starts anew. What is older than 24 hours goes.
 std::optional<Series> continued(const std::optional<EarlierRow>& earlier, std::optional<double> price,
                                 double minutesBetweenRuns);
+
+/// An earlier document's base fees of Ethereum, a point for each ten minutes, and how long ago the last one is.
+struct EarlierBaseFees {
+    QList<double> points;
+    double minutesAgo;
+};
+
+/// What goes on from them where not all of the last day could be read anew: the newest points that were read, or the
+/// present fee where there are none, take the place of the oldest, one for each mark of ten minutes that the clock has
+/// passed. (Rounded run by run, their number would drift.) The newest alone where they are more, or where three runs or
+/// more are missing.
+QList<double> continuedBaseFees(const std::optional<EarlierBaseFees>& earlier, const QList<double>& newest,
+                                double present, const QDateTime& now, double minutesBetweenRuns);
 
 /// "Unavailable" without a price, "Elevated" when it is above one and a half times the median of the earlier points,
 /// twelve at least, "Normal" otherwise.

@@ -1,5 +1,6 @@
 #include "TorvaneUpdates/Obstacle.h"
 
+#include "Support/PackedProgram.h"
 #include "Support/TemporaryFile.h"
 
 #include <QFile>
@@ -22,12 +23,7 @@ bool isSystems(const QString& path) {
 
 /// A file inside one that was packed as a whole (AppImage, snap), unpacked or mounted for this run alone.
 bool isInsidePackage(const QString& path) {
-    for (const char* variable : {"APPDIR", "SNAP"}) {
-        const QString folder = QFileInfo(qEnvironmentVariable(variable)).canonicalFilePath();
-        if (!folder.isEmpty() && path.startsWith(folder + u'/'))
-            return true;
-    }
-    return QFile::exists(u"/.flatpak-info"_s);
+    return isPackedIn("APPDIR", path) || isPackedIn("SNAP", path) || isInFlatpak();
 }
 
 /// Root may write what nobody is meant to: the owner's own bit counts too.

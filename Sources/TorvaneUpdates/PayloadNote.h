@@ -12,7 +12,7 @@ namespace torvane::Updates {
 struct PayloadNote final {
     QString product;
     QString version;
-    QString architecture; // as uname names it
+    QString architecture; // that it is built for, as uname names it
 
     bool operator==(const PayloadNote&) const = default;
 };

@@ -18,7 +18,7 @@ struct Properties final {
     QString version;    // of the running program
     QString executable; // the file to replace
     std::chrono::seconds interval{std::chrono::hours{24}}; // between checks that nobody asked for
-    std::chrono::seconds settling{10}; // how long a check at the start waits: the program has more urgent things to do
+    std::chrono::seconds settling{10}; // what a check waits at the start or after a sleep: more urgent things go first
 };
 
 /// Starts the program in this file as the successor of the running one, which gives up its place in the session to it.

@@ -1,5 +1,6 @@
 #include "TorvaneUpdates/Suitability.h"
 
+#include "TorvaneUpdates/Architecture.h"
 #include "TorvaneUpdates/Version.h"
 
 #include <cmath>
@@ -44,7 +45,7 @@ System System::current() {
     utsname names{};
     if (::uname(&names) != 0)
         return {};
-    return {.version = QString::fromLocal8Bit(names.release), .architecture = QString::fromLocal8Bit(names.machine)};
+    return {.version = QString::fromLocal8Bit(names.release), .architecture = QString::fromLatin1(targetArchitecture)};
 }
 
 std::optional<AppcastItem> bestItem(const QList<AppcastItem>& items, const Suitability& to) {

@@ -6,10 +6,10 @@
 
 namespace torvane::Updates {
 
-/// The machine as items of a feed speak of it.
+/// The machine, as this program runs on it, and as items of a feed speak of it.
 struct System final {
     QString version;      // of the kernel, for example "6.1.0-18-amd64": a dash ends what counts
-    QString architecture; // as uname names it, for example "x86_64"
+    QString architecture; // that the program is built for, for example "x86_64"
 
     static System current();
 };

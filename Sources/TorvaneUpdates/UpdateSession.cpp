@@ -97,8 +97,19 @@ Task<> UpdateSession::update() {
     }
 }
 
+Task<QByteArray> UpdateSession::fetchFeed() {
+    try {
+        Task<QByteArray> fetching = m_context.download.document(m_context.properties.feed, largestFeed);
+        const QByteArray feed = co_await fetching;
+        co_return feed;
+    } catch (const std::exception&) {
+        m_hasMissedFeed = isSilent();
+        throw;
+    }
+}
+
 Task<UpdateSession::Findings> UpdateSession::look() {
-    Task<QByteArray> fetching = m_context.download.document(m_context.properties.feed, largestFeed);
+    Task<QByteArray> fetching = fetchFeed();
     const QByteArray feed = co_await fetching;
     const auto read = [feed, executable = m_context.executable] {
         return Findings{readAppcast(feed), System::current(), obstacleTo(executable)};

@@ -46,6 +46,9 @@ public:
     /// Ends it, whatever is under way.
     void giveUp();
 
+    /// Whether the feed could not be fetched and nobody has been told: the next network may have more luck.
+    bool hasMissedFeed() const { return m_hasMissedFeed; }
+
     /// Whether nobody has seen anything of it.
     bool isSilent() const { return !m_stage.isOpen(); }
 
@@ -61,6 +64,7 @@ private:
 
     Task<> run();
     Task<> update();
+    Task<QByteArray> fetchFeed();
     Task<Findings> look();
     std::optional<AppcastItem> choose(const Findings& findings) const;
     Task<> offer(AppcastItem item, QString obstacle);
@@ -75,6 +79,7 @@ private:
     Stage m_stage;
     std::shared_ptr<Installation> m_installation; // Of one that is under way. It ends on the worker.
     qint64 m_progressSteps = -1;
+    bool m_hasMissedFeed = false;
     std::stop_source m_stop;
     std::optional<TaskScope> m_tasks{std::in_place};
 };

@@ -76,10 +76,19 @@ void Updater::setAutomaticallyChecksForUpdates(bool automatic) {
 }
 
 void Updater::catchUp() {
-    // A check that is about to be made at the start keeps its moment. What is left of it is no measure: a coarse timer
-    // may begin with more than it was given.
+    // A check that is about to be made keeps its moment. What is left of it is no measure: a coarse timer may begin
+    // with more than it was given.
     if (!m_nextCheck.isActive() || m_nextCheck.intervalAsDuration() > m_properties.settling)
-        checkIfDue();
+        schedule(m_properties.settling);
+}
+
+void Updater::tryAgain() {
+    m_hasNetworkChanged = true;
+    if (m_session || !automaticallyChecksForUpdates() || !std::exchange(m_mayTryAgain, false))
+        return;
+    makeSession();
+    m_isSecondTry = true;
+    m_session->begin();
 }
 
 void Updater::schedule(std::chrono::milliseconds soonest) {
@@ -105,6 +114,9 @@ void Updater::makeSession() {
     m_nextCheck.stop();
     m_memory.noteCheck(Clock::now());
     canCheckForUpdates = false;
+    m_mayTryAgain = false;
+    m_isSecondTry = false;
+    m_hasNetworkChanged = false;
     m_session = std::make_unique<UpdateSession>(
         SessionContext{m_properties, *m_key, m_executable, m_memory, m_download, m_windows, m_relaunch});
     connect(m_session.get(), &UpdateSession::ended, this, &Updater::endSession);
@@ -112,12 +124,15 @@ void Updater::makeSession() {
 }
 
 void Updater::endSession() {
+    m_mayTryAgain = m_session->hasMissedFeed() && !m_isSecondTry;
     m_session.release()->deleteLater(); // It may be what calls here.
     // Its window may have stood open for days: what it showed is not shown again at once.
     if (m_memory.untilNextCheck(Clock::now(), m_properties.interval) == 0ms)
         m_memory.noteCheck(Clock::now());
     canCheckForUpdates = true;
     schedule(0ms);
+    if (m_hasNetworkChanged) // It asked by the old one.
+        tryAgain();
 }
 
 } // namespace torvane::Updates

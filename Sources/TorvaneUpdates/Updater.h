@@ -42,8 +42,12 @@ public:
     bool automaticallyChecksForUpdates() const;
     void setAutomaticallyChecksForUpdates(bool automatic);
 
-    /// A time of day may have passed unnoticed (sleep): an overdue check starts now.
+    /// A time of day may have passed unnoticed (sleep): an overdue check is made as soon as one at the start would be.
+    /// At once it would fail, since after a sleep the network takes some seconds to come up.
     void catchUp();
+
+    /// This machine's addresses are others now: a check by itself that could not fetch the feed is made once more.
+    void tryAgain();
 
 Q_SIGNALS:
     /// The successor runs: this program must end.
@@ -65,7 +69,10 @@ private:
     Executable m_executable;        // As it was when the program started.
     QTimer m_nextCheck;
     std::unique_ptr<UpdateSession> m_session;
-    TaskScope m_tasks; // Last, so that what still runs goes before what it uses.
+    bool m_mayTryAgain = false;       // The last check may be made once more.
+    bool m_isSecondTry = false;       // The one that is under way is such a one.
+    bool m_hasNetworkChanged = false; // Since it began.
+    TaskScope m_tasks;                // Last, so that what still runs goes before what it uses.
 };
 
 } // namespace torvane::Updates

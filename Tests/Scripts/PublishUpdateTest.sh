@@ -201,7 +201,84 @@ notesThatCannotBeShownAreRefused() {
     add --notes notes
     expect_status 1
     expect_output_has 'control characters'
+    local character
+    for character in '\xef\xbf\xbe' '\xef\xbf\xbf' '\x1f' '\x00'; do
+        printf 'new%bs\n' "$character" >notes
+        add --notes notes
+        expect_status 1
+        expect_output_has 'others that XML does not allow'
+    done
+    for character in '\xed\xa0\x80' '\xf4\x90\x80\x80' '\xc0\x80'; do # Half a pair, beyond Unicode, too long a way.
+        printf 'new%bs\n' "$character" >notes
+        add --notes notes
+        expect_status 1
+        expect_output_has 'are not UTF-8'
+    done
     [ ! -e appcast.xml ] || fail "a feed was made"
+    printf 'new\xef\xbf\xbds\n' >notes
+    add --notes notes
+    expect_status 0
+    read_feed
+    expect_output_has $'notes: new\xef\xbf\xbds'
+}
+
+addressesThatCannotBeWrittenAreRefused() {
+    make_keys
+    local part
+    for part in $'\xef\xbf\xbe' $'\x01' $'\x7f\xe4' $'\xed\xa0\x80'; do
+        add --url "https://velisk.example/pay${part}load"
+        expect_status 2
+        expect_output_has 'has characters that XML does not allow'
+        add --notes-link "https://velisk.example/$part"
+        expect_status 2
+        run "$publish" add --informational "https://velisk.example/$part" appcast.xml payload
+        expect_status 2
+    done
+    add --notes-link "https://velisk.example/$(printf '%02000d' 0)"
+    expect_status 2
+    expect_output_has 'is longer than any address'
+    [ ! -e appcast.xml ] || fail "a feed was made"
+}
+
+aVersionThatWouldNotBeReadIsRefused() {
+    make_keys
+    write_program bin/readelf <<'PROGRAM'
+#!/bin/bash
+# A note of any version.
+bytes=$(printf 'org.example.Program\0%s\0riscv64\0' "$VERSION" | od -An -v -tx1 | tr -d '\n')
+printf 'Displaying notes found in: .note.org.velisk.Torvane\n'
+printf '  org.velisk.Torvane 0x00000020 NT_VERSION (version) description data: %s\n' "$bytes"
+PROGRAM
+    export VERSION
+    VERSION=1.$(printf '%063d' 0)
+    PATH=$PWD/bin:$PATH add
+    expect_status 1
+    expect_output_has 'is longer than what is read, 64 characters'
+    [ ! -e appcast.xml ] || fail "a feed was made"
+    VERSION=1.$(printf '%062d' 0)
+    PATH=$PWD/bin:$PATH add
+    expect_status 0
+    read_feed
+    expect_output_has "version: $VERSION"
+}
+
+aFeedOfAsManyItemsAsAreReadTakesNoMore() {
+    make_keys
+    add
+    sed -n '/<item>/,/<\/item>/p' appcast.xml >item
+    for _ in $(seq 998); do cat item; done >items
+    sed -i -e '/<\/item>/r items' appcast.xml
+    sed 's/1\.2\.3b4/1.2.3b5/' payload >next && mv next payload
+    add
+    expect_status 0
+    read_feed
+    [ "$(grep -c '^version: ' <<<"$output")" = 1000 ] || fail "a feed of a thousand is not read"
+    cp appcast.xml before
+    sed 's/1\.2\.3b5/1.2.3b6/' payload >next && mv next payload
+    add
+    expect_status 1
+    expect_output_has 'appcast.xml has 1000 items'
+    cmp appcast.xml before
 }
 
 aFeedThatCannotBeWrittenStaysAsItIs() {

@@ -8,6 +8,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto watcherName = "org.kde.StatusNotifierWatcher"_L1;
+const QString watcherPath = u"/StatusNotifierWatcher"_s;
 constexpr auto itemInterface = "org.kde.StatusNotifierItem"_L1;
 constexpr auto menuInterface = "com.canonical.dbusmenu"_L1;
 constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties"_L1;
@@ -17,7 +18,7 @@ constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties"_L1;
 StandInPanel::StandInPanel(PrivateBus& bus)
     : m_bus(bus)
     , m_connection(bus.connect()) {
-    m_connection.registerObject(u"/StatusNotifierWatcher"_s, this, QDBusConnection::ExportScriptableSlots);
+    showObject();
     for (const QLatin1StringView interface : {itemInterface, menuInterface})
         m_connection.connect({}, {}, interface, {}, this, SLOT(receive(QDBusMessage)));
 }
@@ -32,6 +33,14 @@ bool StandInPanel::appear() {
 
 bool StandInPanel::disappear() {
     return m_connection.unregisterService(watcherName);
+}
+
+void StandInPanel::hideObject() {
+    m_connection.unregisterObject(watcherPath);
+}
+
+void StandInPanel::showObject() {
+    m_connection.registerObject(watcherPath, this, QDBusConnection::ExportScriptableSlots);
 }
 
 void StandInPanel::refuseNoted() {

@@ -24,6 +24,10 @@ public:
     bool appear();
     bool disappear();
 
+    /// A panel that has not come so far: it owns the name, and nothing is there. Or is there from now on.
+    void hideObject();
+    void showObject();
+
     /// Refuses the registrations that were only noted.
     void refuseNoted();
 

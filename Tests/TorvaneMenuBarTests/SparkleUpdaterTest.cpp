@@ -52,7 +52,7 @@ class SparkleUpdaterTest final : public QObject {
     std::unique_ptr<SparkleUpdater> m_bridge;
 
     /// As a new start of the program: everything is read anew.
-    void start(const QString& key = someKey()) {
+    void start(const QString& key = someKey(), std::chrono::seconds settling = std::chrono::hours(1)) {
         stop();
         m_defaults = std::make_unique<UserDefaults>(m_home->filePath(u"preferences.json"_s), m_home->path());
         const Updates::Properties properties{
@@ -61,7 +61,7 @@ class SparkleUpdaterTest final : public QObject {
             .product = u"org.velisk.Torvane.Test"_s,
             .version = u"0.3.0"_s,
             .executable = m_home->filePath(u"velisk"_s),
-            .settling = std::chrono::hours(1),
+            .settling = settling,
         };
         m_bridge = std::make_unique<SparkleUpdater>(properties, *m_defaults, m_download, failToRelaunch);
     }
@@ -202,11 +202,14 @@ private Q_SLOTS:
         QTest::keyClick(updateWindow()->windowHandle(), Qt::Key_Escape);
         waitUntilItCanCheck();
         QTRY_VERIFY_WITH_TIMEOUT(!updateWindow(), limitMs);
+        start(someKey(), std::chrono::seconds(0));
+        waitUntilItCanCheck();
         m_bridge->catchUp();
+        QCoreApplication::processEvents();
         QCOMPARE(m_download.documents, 1);
         Clock::setSource([] { return QDateTime::currentDateTimeUtc().addDays(2); });
         m_bridge->catchUp();
-        QCOMPARE(m_download.documents, 2);
+        QTRY_COMPARE_WITH_TIMEOUT(m_download.documents, 2, limitMs);
         QTRY_VERIFY_WITH_TIMEOUT(!state().canCheck, limitMs);
         QVERIFY(!updateWindow());
     }

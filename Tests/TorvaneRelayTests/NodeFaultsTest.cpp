@@ -33,6 +33,18 @@ private Q_SLOTS:
         }
     }
 
+    void aFaultAfterAGoodPageOfBaseFeesLeavesThemIncomplete() {
+        const RelayTable table = ethereumAlone();
+        const BaseFeeHistory whole = read(table).baseFeeHistory;
+        QVERIFY(whole.isWhole);
+        for (const auto& [name, fault] : NodeFaults::all()) {
+            m_world->chain(QStringLiteral("Ethereum")).misbehave(QStringLiteral("eth_feeHistory earlier"), fault, 1);
+            const BaseFeeHistory part = read(table).baseFeeHistory;
+            QVERIFY2(!part.isWhole, name);
+            QVERIFY2(part.points == whole.points.last(8), name); // Of 400 blocks.
+        }
+    }
+
     void aFaultAtThePrimaryIsMadeUpForByTheFallback_data() { addQuestions({QStringLiteral("Ethereum")}); }
 
     void aFaultAtThePrimaryIsMadeUpForByTheFallback() {

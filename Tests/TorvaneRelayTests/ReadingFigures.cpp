@@ -35,7 +35,7 @@ Figures figuresOf(const Reading& reading, const RelayTable& table) {
     add("low", gas ? std::optional(gas->low) : std::nullopt);
     add("average", gas ? std::optional(gas->avg) : std::nullopt);
     add("high", gas ? std::optional(gas->high) : std::nullopt);
-    const QList<double>& history = reading.baseFeeHistory;
+    const QList<double>& history = reading.baseFeeHistory.points;
     add("points", history.isEmpty() ? std::nullopt : std::optional(static_cast<double>(history.size())));
     for (qsizetype i = 0; i < table.staking.size(); ++i) {
         figures.insert(table.staking[i].token + QStringLiteral(" supply"), text(reading.protocols[i].tokenSupply));

@@ -71,7 +71,7 @@ private Q_SLOTS:
     /// The blocks of a group have the hundredths 0 to 49, 0.245 in the mean, and the group that ends with block e has
     /// e - 24.5 hundred-thousandths.
     void theBaseFeesAreMeansOfFiftyBlocksOldestFirst() {
-        const QList<double> history = read(ethereumAlone()).baseFeeHistory;
+        const QList<double> history = read(ethereumAlone()).baseFeeHistory.points;
         for (qsizetype i = 0; i < history.size(); ++i) {
             const double newest = 1144.0 - 50 * static_cast<double>(history.size() - 1 - i);
             QCOMPARE(history[i], 10.245 + (newest - 24.5) / 100'000);

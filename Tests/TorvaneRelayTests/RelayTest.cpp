@@ -43,9 +43,11 @@ class RelayTest final : public QObject {
 
     QString document() const { return m_directory->filePath(QStringLiteral("snapshot.json")); }
 
-    bool run() {
+    bool run() { return run(m_world->table()); }
+
+    bool run(const RelayTable& table) {
         m_lines.clear();
-        Relay relay(m_world->table(), document(), [this](const QString& line) { m_lines.append(line); });
+        Relay relay(table, document(), [this](const QString& line) { m_lines.append(line); });
         return await(relay.run()).has_value();
     }
 
@@ -117,6 +119,17 @@ private Q_SLOTS:
         QCOMPARE(staking.provenance.detail.section(u';', 0, 0), QStringLiteral("2 of 3 protocols read at block 1144"));
     }
 
+    void aTableWithoutProtocolsSaysSo() {
+        RelayTable table = m_world->table();
+        table.staking.clear();
+        QVERIFY(run(table));
+        const LiquidStakingData staking = written().staking.liquidStaking;
+        QVERIFY(staking.protocols.isEmpty() && !staking.totalEthEquivalent);
+        QCOMPARE(staking.provenance.status, QStringLiteral("unavailable"));
+        QCOMPARE(staking.provenance.detail, QStringLiteral("the relay's table names no protocols"));
+        QVERIFY(m_lines.contains(QStringLiteral("Staking: the relay's table names no protocols")));
+    }
+
     void everyoneMayReadTheDocument() {
         QVERIFY(run());
         struct stat status {};
@@ -157,10 +170,30 @@ private Q_SLOTS:
         QVERIFY(run());
         QCOMPARE(base().status, QStringLiteral("Elevated"));
         QCOMPARE(base().history->size(), 13);
-        advance(16); // Too long a pause to know what is usual.
+        advance(19); // Too long a pause to know what is usual.
         QVERIFY(run());
         QCOMPARE(base().status, QStringLiteral("Normal"));
         QVERIFY(!base().history);
+    }
+
+    void baseFeesThatCannotBeReadKeepTheEarlierDocuments() {
+        QVERIFY(run());
+        const QList<double> whole = written().gas.history;
+        QCOMPARE(whole.size(), 22);
+        advance(10);
+        m_world->chain(QStringLiteral("Ethereum"))
+            .misbehave(QStringLiteral("eth_feeHistory earlier"), StandInAnswer::status(503), 1);
+        QVERIFY(run());
+        QCOMPARE(written().gas.history, whole + QList<double>{whole.last()});
+        QVERIFY(m_lines[0].endsWith(QStringLiteral(", 23 points of base fees, of which nodes gave only 8 now")));
+        advance(10);
+        m_world->chain(QStringLiteral("Ethereum"))
+            .misbehave(QStringLiteral("eth_feeHistory earlier"), StandInAnswer::status(503));
+        QVERIFY(run());
+        QCOMPARE(written().gas.history, whole + QList<double>({whole.last(), 10.47146}));
+        advance(19); // Too long a pause.
+        QVERIFY(run());
+        QVERIFY(written().gas.history.isEmpty());
     }
 
     void aNetworkThatIsGoneKeepsItsHistoryForAWhile() {

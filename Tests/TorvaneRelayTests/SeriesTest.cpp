@@ -43,9 +43,14 @@ private Q_SLOTS:
         QCOMPARE(series->windowMinutes, 16.0);
     }
 
-    void aPauseOfMoreThanThreeRunsStartsAnew() {
+    void twoRunsThatAreMissingCostNoHistoryAlsoWhenTheTimerIsLate() {
         QVERIFY(continued(earlier({1, 2, 3}, 10, 15), 4, 5));
-        QVERIFY(!continued(earlier({1, 2, 3}, 10, 15.1), 4, 5));
+        QVERIFY(continued(earlier({1, 2, 3}, 10, 15.9), 4, 5));
+    }
+
+    void threeRunsThatAreMissingStartItAnewAlsoWhenTheTimerIsEarly() {
+        QVERIFY(!continued(earlier({1, 2, 3}, 10, 19), 4, 5));
+        QVERIFY(!continued(earlier({1, 2, 3}, 10, 20), 4, 5));
     }
 
     void aRunWithoutAPriceLeavesAHole() {
@@ -82,6 +87,33 @@ private Q_SLOTS:
         QVERIFY(!continued(EarlierRow{row, 5}, 4, 5));
         QCOMPARE(continued(earlier({1, 2}, -7, 5), 4, 5)->windowMinutes, 5.0);
         QVERIFY(!continued(earlier({}, 10, 5), 4, 5));
+    }
+
+    void baseFeesGoOnByOnePointForEachTenMinutes() {
+        const QDateTime noon(QDate(2026, 1, 10), QTime(12, 0), Qt::UTC);
+        const QList<double> day = counting(144);
+        const QList<double> newest{145, 146, 147};
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{day, 5}, newest, 7, noon.addSecs(299), 5),
+                 day.sliced(1) + QList<double>{147}); // The clock has passed noon.
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{day, 5}, newest, 7, noon.addSecs(301), 5), day);
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{day, 15}, newest, 7, noon.addSecs(299), 5),
+                 day.sliced(2) + QList<double>({146, 147}));
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{day, 5}, {}, 7, noon, 5), day.sliced(1) + QList<double>{7});
+        // Ten hours of them add sixty.
+        QList<double> points = day;
+        for (int i = 1; i <= 120; ++i)
+            points = continuedBaseFees(EarlierBaseFees{points, 5}, newest, 7, noon.addSecs(i * 300 + i % 20), 5);
+        QCOMPARE(points.count(147.0), 60);
+        QCOMPARE(points.size(), 144);
+    }
+
+    void baseFeesOfAnEarlierTimeGiveWayToWhatIsRead() {
+        const QDateTime noon(QDate(2026, 1, 10), QTime(12, 0), Qt::UTC);
+        const QList<double> newest{5, 6, 7};
+        QCOMPARE(continuedBaseFees(std::nullopt, newest, 8, noon, 5), newest);
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{counting(144), 19}, newest, 8, noon, 5), newest);
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{{1, 2}, 5}, newest, 8, noon, 5), newest);
+        QCOMPARE(continuedBaseFees(EarlierBaseFees{{1, 2, 3}, 5}, newest, 8, noon, 5), QList<double>({1, 2, 3, 7}));
     }
 
     void aPriceFarAboveTheMedianIsElevated() {

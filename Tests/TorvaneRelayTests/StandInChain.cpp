@@ -59,8 +59,8 @@ void StandInChain::onCall(const QString& contract, const QString& signature, con
     onCall(contract, signature, [words](const QByteArray&) { return words; });
 }
 
-void StandInChain::misbehave(const QString& question, const StandInAnswer& answer) {
-    m_fault = {question, answer};
+void StandInChain::misbehave(const QString& question, const StandInAnswer& answer, int goodAnswers) {
+    m_fault = Fault{question, answer, goodAnswers};
 }
 
 void StandInChain::behave() {
@@ -90,8 +90,8 @@ StandInAnswer StandInChain::respond(const StandInRequest& request) {
     const QJsonArray params = call[QStringLiteral("params")].toArray();
     const QString question = nameOf(call[QStringLiteral("method")].toString(), params);
     ++m_asked[question];
-    if (m_fault && m_fault->first == question)
-        return m_fault->second;
+    if (m_fault && m_fault->question == question && m_fault->goodAnswers-- <= 0)
+        return m_fault->answer;
     if (!m_answers.contains(question))
         return refusal(-32601, QStringLiteral("the method does not exist"));
     const QJsonValue result = m_answers[question](params);

@@ -33,8 +33,8 @@ public:
     void onCall(const QString& contract, const QString& signature, Function function);
     void onCall(const QString& contract, const QString& signature, const QList<Word>& words);
 
-    /// From now on this question alone is answered so.
-    void misbehave(const QString& question, const StandInAnswer& answer);
+    /// From now on this question alone is answered so, after some good answers if wanted.
+    void misbehave(const QString& question, const StandInAnswer& answer, int goodAnswers = 0);
     void behave();
 
     /// All that can be asked, sorted.
@@ -46,6 +46,12 @@ public:
     StandInServer& server() { return *m_server; }
 
 private:
+    struct Fault {
+        QString question;
+        StandInAnswer answer;
+        int goodAnswers; // that still come before it
+    };
+
     StandInAnswer respond(const StandInRequest& request);
     QString nameOf(const QString& method, const QJsonArray& params) const;
 
@@ -53,7 +59,7 @@ private:
     QHash<QString, Answer> m_answers;
     QHash<QString, QString> m_questions; // By contract and selector.
     QHash<QString, int> m_asked;
-    std::optional<std::pair<QString, StandInAnswer>> m_fault;
+    std::optional<Fault> m_fault;
 };
 
 /// A quantity in hexadecimal.

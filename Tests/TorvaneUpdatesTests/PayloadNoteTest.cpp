@@ -1,6 +1,7 @@
 #include "TorvaneUpdates/PayloadNote.h"
 
 #include "Support/FileDescriptor.h"
+#include "TorvaneUpdates/Architecture.h"
 #include "TorvaneUpdatesTests/SampleELF.h"
 
 #include <QProcess>
@@ -9,7 +10,6 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/utsname.h>
 
 using namespace torvane;
 using namespace torvane::Updates;
@@ -29,12 +29,6 @@ QString run(const QString& program, const QStringList& arguments) {
     if (!process.waitForFinished(60000) || process.exitCode() != 0)
         return QLatin1String("failed: ") + QString::fromLocal8Bit(process.readAllStandardError());
     return QString::fromLocal8Bit(process.readAllStandardOutput());
-}
-
-QString machine() {
-    utsname names{};
-    ::uname(&names);
-    return QString::fromLocal8Bit(names.machine);
 }
 
 } // namespace
@@ -62,13 +56,13 @@ private Q_SLOTS:
         QVERIFY(note);
         QCOMPARE(note->product, QStringLiteral("org.velisk.Torvane"));
         QCOMPARE(note->version, QStringLiteral(TORVANE_VERSION));
-        QCOMPARE(note->architecture, machine());
+        QCOMPARE(note->architecture, QString::fromLatin1(targetArchitecture));
     }
 
     void otherToolsReadTheSameNote() {
         const QString said = run(QStringLiteral("readelf"), {QStringLiteral("-nW"), QStringLiteral(PROGRAM)});
         const QByteArray bytes("org.velisk.Torvane\0" TORVANE_VERSION "\0", 20 + sizeof TORVANE_VERSION - 1);
-        const QString hex = QString::fromLatin1((bytes + machine().toLatin1() + '\0').toHex(' '));
+        const QString hex = QString::fromLatin1((bytes + QByteArray(targetArchitecture) + '\0').toHex(' '));
         QVERIFY2(said.contains(QLatin1String("org.velisk.Torvane")), qPrintable(said));
         QVERIFY2(said.contains(QLatin1String("description data: ") + hex), qPrintable(said));
         QVERIFY(!said.contains(QLatin1String("Corrupt")));

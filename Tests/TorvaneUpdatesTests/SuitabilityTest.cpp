@@ -2,6 +2,7 @@
 
 #include <QTest>
 
+#include <sys/personality.h>
 #include <sys/utsname.h>
 
 using namespace torvane::Updates;
@@ -200,7 +201,28 @@ private Q_SLOTS:
         utsname names{};
         QCOMPARE(::uname(&names), 0);
         QCOMPARE(System::current().version, QString::fromLatin1(names.release));
-        QCOMPARE(System::current().architecture, QString::fromLatin1(names.machine));
+    }
+
+    void aProgramOfTheKernelsOwnKindIsNamedAsTheKernelNamesTheMachine() {
+        utsname names{};
+        QCOMPARE(::uname(&names), 0);
+        if (sizeof(void*) == 8)
+            QCOMPARE(System::current().architecture, QString::fromLatin1(names.machine));
+    }
+
+    /// On a kernel of 64 bits, programs of 32 are of another kind than the machine, and updated by their own.
+    void theKindOfMachineIsTheProgramsAndNotTheKernels() {
+        utsname names{};
+        const int before = ::personality(PER_LINUX32);
+        QVERIFY(before >= 0);
+        QCOMPARE(::uname(&names), 0);
+        const System system = System::current();
+        ::personality(static_cast<unsigned long>(before));
+        QCOMPARE(system.architecture, System::current().architecture);
+#ifdef __x86_64__
+        QCOMPARE(QString::fromLatin1(names.machine), QStringLiteral("i686"));
+        QCOMPARE(system.architecture, QStringLiteral("x86_64"));
+#endif
     }
 };
 

@@ -62,6 +62,86 @@ private Q_SLOTS:
         m_rig->waitForDocuments(2);
     }
 
+    void aMachineThatWakesGivesItsNetworkTimeToComeUp() {
+        endACheck();
+        Properties properties = m_rig->properties();
+        properties.settling = std::chrono::hours(1);
+        m_rig->start(properties);
+        m_rig->waitUntilReady();
+        UpdateRig::setHoursAfterNoon(25);
+        m_rig->updater->catchUp();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 1);
+        QCOMPARE(lastCheck(*m_rig), noonText); // Kept when a check begins, not before.
+        properties.settling = std::chrono::seconds(1);
+        UpdateRig::setHoursAfterNoon(23);
+        m_rig->start(properties);
+        m_rig->waitUntilReady();
+        UpdateRig::setHoursAfterNoon(25);
+        m_rig->updater->catchUp();
+        m_rig->waitForDocuments(2);
+    }
+
+    void aCheckWithoutANetworkIsMadeOnceMoreByTheNextOne() {
+        endACheck(); // There is no feed yet.
+        m_rig->updater->tryAgain();
+        m_rig->waitForDocuments(2);
+        m_rig->waitUntilReady();
+        m_rig->updater->tryAgain();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 2);
+        UpdateRig::setHoursAfterNoon(24);
+        m_rig->updater->catchUp();
+        m_rig->waitForDocuments(3);
+        m_rig->waitUntilReady();
+        m_rig->updater->tryAgain();
+        m_rig->waitForDocuments(4);
+    }
+
+    void aCheckThatFailsAfterTheNetworkCameIsMadeOnceMoreToo() {
+        m_rig->download.isHeld = true;
+        m_rig->start();
+        m_rig->waitForDocuments(1);
+        m_rig->updater->tryAgain();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 1);
+        m_rig->download.isHeld = false;
+        m_rig->waitForDocuments(2);
+        m_rig->waitUntilReady();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 2);
+    }
+
+    void aCheckThatReachedItsServerIsNotRepeated() {
+        m_rig->publish({});
+        endACheck();
+        m_rig->updater->tryAgain();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 1);
+    }
+
+    void switchedOffNothingIsRepeated() {
+        endACheck();
+        m_rig->updater->setAutomaticallyChecksForUpdates(false);
+        m_rig->updater->tryAgain();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 1);
+    }
+
+    void whoWasToldOfAFailureIsNotAskedAgain() {
+        m_rig->start();
+        m_rig->updater->setAutomaticallyChecksForUpdates(false);
+        m_rig->waitUntilReady();
+        m_rig->updater->checkForUpdates();
+        m_rig->waitForScene(u"failed"_s);
+        m_rig->windows.give(Answer::close);
+        m_rig->waitUntilReady();
+        m_rig->updater->setAutomaticallyChecksForUpdates(true);
+        m_rig->updater->tryAgain();
+        UpdateRig::turnTheLoop();
+        QCOMPARE(m_rig->download.documents, 1);
+    }
+
     void theNextCheckComesByItself() {
         Properties properties = m_rig->properties();
         properties.interval = std::chrono::seconds(2);

@@ -145,7 +145,7 @@ Task<> ApplicationInstance::takeAgain() {
     if (!m_bus.isConnected()) {
         m_socket = new InstanceSocket(m_id, this);
         connect(m_socket, &InstanceSocket::called, this, &ApplicationInstance::activated);
-        m_socket->settle();
+        m_socket->bindWhenFree();
         co_return;
     }
     // The bus may not know yet that one that was ended is gone.

@@ -31,7 +31,7 @@ public:
     /// Gives up its place in the session: whoever is launched next is the first.
     Task<> release();
 
-    /// Takes the place again; where somebody has it at this moment, when that one goes.
+    /// Takes the place again; where somebody has it at this moment, when that one goes, or soon after.
     Task<> takeAgain();
 
     /// Where the application of this name has its object on the bus.

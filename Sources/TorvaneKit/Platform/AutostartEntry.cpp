@@ -1,6 +1,7 @@
 #include "Platform/AutostartEntry.h"
 
 #include "Support/BaseDirectory.h"
+#include "Support/PackedProgram.h"
 #include "Support/SafeFile.h"
 #include "Support/Worker.h"
 
@@ -76,10 +77,8 @@ void AutostartEntry::remove(const QString& id) {
 QString launchPath() {
     const QString executable = QCoreApplication::applicationFilePath();
     const QString image = QFile::decodeName(qgetenv("APPIMAGE"));
-    const QString mounted = QFile::decodeName(qgetenv("APPDIR"));
-    // What another AppImage started has its variables too.
-    const bool isOurs = image.startsWith(u'/') && !mounted.isEmpty() && executable.startsWith(mounted + u'/');
-    return isOurs ? image : executable;
+    const bool isItsImage = image.startsWith(u'/') && isPackedIn("APPDIR", executable);
+    return isItsImage ? image : executable;
 }
 
 } // namespace torvane

@@ -25,6 +25,7 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds answerLimit = 5s;
 constexpr char heard = 1;
+constexpr std::chrono::seconds longestPause = 1min;
 
 /// The name's length counts: the kernel's names are bytes, zero ones included.
 struct Address {
@@ -104,16 +105,35 @@ void InstanceSocket::settle() {
     QMetaObject::invokeMethod(this, &InstanceSocket::bindOrCall, Qt::QueuedConnection);
 }
 
-void InstanceSocket::bindOrCall() {
+/// Zero where it is bound.
+int InstanceSocket::bindError() {
     m_descriptor = newSocket();
     const Address own = address(m_name);
     const auto* generic = reinterpret_cast<const sockaddr*>(&own.address);
-    if (bind(m_descriptor.get(), generic, own.size) == 0)
+    return bind(m_descriptor.get(), generic, own.size) == 0 ? 0 : errno;
+}
+
+void InstanceSocket::bindOrCall() {
+    const int error = bindError();
+    if (error == 0)
         listen();
-    else if (errno == EADDRINUSE)
+    else if (error == EADDRINUSE)
         call();
     else
         Q_EMIT bound(); // Without a socket nobody can call, which is no reason not to run.
+}
+
+/// The kernel tells nobody of a name that is free again, so that it is asked, ever less often.
+void InstanceSocket::bindWhenFree() {
+    const int error = bindError();
+    if (error == 0) {
+        listen();
+    } else if (error == EADDRINUSE) {
+        QTimer::singleShot(m_pause, Qt::CoarseTimer, this, &InstanceSocket::bindWhenFree);
+        m_pause = std::min(2 * m_pause, longestPause);
+    } else {
+        Q_EMIT bound(); // As above.
+    }
 }
 
 void InstanceSocket::listen() {

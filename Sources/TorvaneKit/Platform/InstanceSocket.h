@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+#include <chrono>
 #include <sys/types.h>
 
 namespace torvane {
@@ -19,6 +20,9 @@ public:
     /// Of `bound` and `deferred` one follows, from the loop.
     void settle();
 
+    /// Binds as soon as nobody else holds the socket, now or later, and calls nobody. `bound` follows then.
+    void bindWhenFree();
+
     /// Whether this process is the one that is called. It does not hear of being looked at.
     static bool isHeldBy(pid_t process, const QString& id);
 
@@ -32,6 +36,7 @@ Q_SIGNALS:
     void called();
 
 private:
+    int bindError();
     void bindOrCall();
     void listen();
     void accept();
@@ -40,6 +45,7 @@ private:
 
     const QByteArray m_name;
     FileDescriptor m_descriptor{-1};
+    std::chrono::seconds m_pause{1}; // Before it is tried again to bind.
 };
 
 } // namespace torvane

@@ -1,11 +1,13 @@
 #include "Platform/Sandbox.h"
 
-#include <QFile>
+#include "Support/PackedProgram.h"
+
+#include <QCoreApplication>
 
 namespace torvane {
 
 bool isSandboxed() {
-    return QFile::exists(QStringLiteral("/.flatpak-info")) || !qEnvironmentVariableIsEmpty("SNAP");
+    return isInFlatpak() || isPackedIn("SNAP", QCoreApplication::applicationFilePath());
 }
 
 } // namespace torvane

@@ -5,6 +5,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
+#include <chrono>
 #include <limits>
 #include <string>
 
@@ -23,6 +24,10 @@ constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;
 constexpr uint alreadyOwner = 4;
 constexpr int mostAttempts = 16;
+
+/// Each pause is twice the one before it, so that the last try comes after a quarter of a minute.
+constexpr int mostTriesMore = 4;
+constexpr std::chrono::seconds firstPause{1};
 
 /// An answer may come late from a busy panel, but asking again would not bring it sooner: no time-out, no timer.
 constexpr int noTimeout = std::numeric_limits<int>::max();
@@ -58,6 +63,18 @@ bool meansNobodyIsThere(const QDBusError& error) {
     }
 }
 
+/// A panel may own its name before its object is there; nobody tells when it is.
+bool meansNotYetThere(const QDBusError& error) {
+    switch (error.type()) {
+    case QDBusError::UnknownObject:
+    case QDBusError::UnknownInterface:
+    case QDBusError::UnknownMethod:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, const QString& id, const QString& category,
@@ -77,12 +94,9 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, const QString
     m_panels.setConnection(m_bus);
     m_panels.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     connect(&m_panels, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& newOwner) {
-                m_registration = nullptr;
-                setRegistered(false);
-                if (!newOwner.isEmpty())
-                    registerWithPanel();
-            });
+            [this](const QString&, const QString&, const QString& newOwner) { panelChanged(newOwner); });
+    m_nextTry.setSingleShot(true);
+    connect(&m_nextTry, &QTimer::timeout, this, &StatusNotifierItem::registerWithPanel);
     m_panels.addWatchedService(panelService);
     requestName();
 }
@@ -238,9 +252,22 @@ void StatusNotifierItem::registerWithPanel() {
     Q_EMIT announced();
 }
 
+void StatusNotifierItem::panelChanged(const QString& owner) {
+    m_registration = nullptr;
+    m_nextTry.stop();
+    m_tries = 0;
+    setRegistered(false);
+    if (!owner.isEmpty())
+        registerWithPanel();
+}
+
 void StatusNotifierItem::panelAnswered(const QDBusPendingCallWatcher* call) {
     if (call != m_registration)
         return; // A panel that has gone in the meantime.
+    if (call->isError() && meansNotYetThere(call->error()) && m_tries < mostTriesMore) {
+        m_nextTry.start(firstPause * (1 << m_tries++));
+        return;
+    }
     if (call->isError() && !meansNobodyIsThere(call->error()))
         qWarning("The panel refused the item: %s", qUtf8Printable(call->error().message()));
     setRegistered(!call->isError());

@@ -5,6 +5,7 @@
 #include <QDBusServiceWatcher>
 #include <QImage>
 #include <QPoint>
+#include <QTimer>
 
 #include <optional>
 
@@ -77,6 +78,7 @@ private:
     void requestName();
     void nameAnswered(uint answer);
     void registerWithPanel();
+    void panelChanged(const QString& owner);
     void panelAnswered(const QDBusPendingCallWatcher* call);
     void setRegistered(bool registered);
 
@@ -91,6 +93,8 @@ private:
     int m_attempts = 0;
     bool m_registered = false;
     const QDBusPendingCallWatcher* m_registration = nullptr;
+    QTimer m_nextTry;
+    int m_tries = 0; // With the present panel, beyond the first.
 };
 
 } // namespace torvane

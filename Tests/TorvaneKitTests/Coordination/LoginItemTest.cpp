@@ -82,10 +82,16 @@ private Q_SLOTS:
     }
 
     void inASandboxThereIsNoEntry() {
-        qputenv("SNAP", "/snap/velisk/1");
+        qputenv("SNAP", QFile::encodeName(QCoreApplication::applicationDirPath()));
         LoginItem::apply(true);
         worker().waitForDone();
         QCOMPARE(TestFiles::entriesOf(m_home->path()), QStringList());
+    }
+
+    void fromASandboxedTerminalThereIsOne() {
+        qputenv("SNAP", QFile::encodeName(m_home->path()));
+        LoginItem::apply(true);
+        QCOMPARE(entries(), QStringList{u"org.velisk.Torvane.desktop"_s});
     }
 
     void theBackgroundPortalIsAsked() {

@@ -2,6 +2,8 @@
 
 #include "Support/StandInNotifications.h"
 
+#include <QCoreApplication>
+#include <QFile>
 #include <QTest>
 
 #include <limits>
@@ -87,7 +89,7 @@ private Q_SLOTS:
     }
 
     void aSandboxNotifiesThroughThePortal() {
-        qputenv("SNAP", "/snap/velisk/1");
+        qputenv("SNAP", QFile::encodeName(QCoreApplication::applicationDirPath()));
         GasNotifier::requestAuthorization();
         GasNotifier::fireCheapGas(9, 10, true);
         QTRY_COMPARE_WITH_TIMEOUT(m_service->calls(), QStringList{u"AddNotification"_s}, limitMs);

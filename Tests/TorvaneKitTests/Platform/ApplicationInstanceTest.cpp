@@ -1,5 +1,7 @@
 #include "Platform/ApplicationInstance.h"
 
+#include "Platform/InstanceSocket.h"
+#include "Support/Await.h"
 #include "Support/FileDescriptor.h"
 #include "Support/PrivateBus.h"
 
@@ -159,6 +161,25 @@ private Q_SLOTS:
         const Launch there(noBus(), name);
         qunsetenv("WAYLAND_DISPLAY");
         QTRY_COMPARE_WITH_TIMEOUT(there.first.size(), 1, limitMs);
+    }
+
+    void withoutABusThePlaceIsTakenAgainOnceItIsFree() {
+        const QString name = uniqueId();
+        Launch launch(noBus(), name);
+        QTRY_COMPARE_WITH_TIMEOUT(launch.first.size(), 1, limitMs);
+        await(launch.instance.release());
+        auto other = std::make_unique<Launch>(noBus(), name);
+        QTRY_COMPARE_WITH_TIMEOUT(other->first.size(), 1, limitMs);
+        await(launch.instance.takeAgain());
+        const Launch caller(noBus(), name);
+        QTRY_COMPARE_WITH_TIMEOUT(caller.deferred, QList<QVariantList>{{true}}, limitMs);
+        QCOMPARE(other->activated.size(), 1); // By the caller alone.
+        QCOMPARE(launch.activated.size(), 0);
+        other.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(InstanceSocket::isHeldBy(::getpid(), name), limitMs);
+        const Launch next(noBus(), name);
+        QTRY_COMPARE_WITH_TIMEOUT(next.deferred, QList<QVariantList>{{true}}, limitMs);
+        QCOMPARE(launch.activated.size(), 1);
     }
 
     void withoutABusAFirstInstanceThatHangsIsGivenUp() {

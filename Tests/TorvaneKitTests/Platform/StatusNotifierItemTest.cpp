@@ -1,5 +1,6 @@
 #include "Platform/StatusNotifierItem.h"
 
+#include "Support/LogLines.h"
 #include "Support/StandInPanel.h"
 
 #include <QDBusConnectionInterface>
@@ -106,6 +107,33 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_panel->services().size(), 1, limitMs);
         QCOMPARE(m_panel->property(u"Id"_s).toString(), u"example"_s);
         QVERIFY(!m_item->isRegistered());
+    }
+
+    void aPanelThatOwnsItsNameBeforeItsObjectIsThereGetsTheItem() {
+        m_panel->hideObject();
+        QVERIFY(m_panel->appear());
+        createItem();
+        QSignalSpy tries(m_item.get(), &StatusNotifierItem::announced);
+        QTRY_COMPARE_WITH_TIMEOUT(tries.size(), 2, limitMs); // The first was in vain.
+        QVERIFY(!m_item->isRegistered());
+        m_panel->showObject();
+        QTRY_VERIFY_WITH_TIMEOUT(m_item->isRegistered(), limitMs);
+        QCOMPARE(m_panel->services().size(), 1);
+    }
+
+    void aPanelWhoseObjectNeverComesIsGivenUpUntilTheNextOne() {
+        m_panel->hideObject();
+        QVERIFY(m_panel->appear());
+        const LogLines log("default");
+        createItem();
+        QSignalSpy tries(m_item.get(), &StatusNotifierItem::announced);
+        QTRY_COMPARE_WITH_TIMEOUT(log.lines().size(), 1, 2 * limitMs);
+        QVERIFY(log.lines()[0].contains(u"The panel refused the item"_s));
+        QCOMPARE(tries.size(), 5);
+        QVERIFY(!m_item->isRegistered());
+        m_panel->showObject();
+        QVERIFY(m_panel->disappear() && m_panel->appear());
+        QTRY_VERIFY_WITH_TIMEOUT(m_item->isRegistered(), limitMs);
     }
 
     void anAnswerOfAPanelThatHasGoneIsPassedOver() {

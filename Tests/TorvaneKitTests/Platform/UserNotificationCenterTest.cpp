@@ -2,7 +2,10 @@
 
 #include "Support/StandInNotifications.h"
 
+#include <QCoreApplication>
 #include <QDBusPendingCallWatcher>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUuid>
 
@@ -221,9 +224,15 @@ private Q_SLOTS:
 
     void onlyASandboxTakesThePortal() {
         QCOMPARE(notificationRoute(), NotificationRoute::desktop);
-        qputenv("SNAP", "/snap/example/1");
+        qputenv("SNAP", QFile::encodeName(QCoreApplication::applicationDirPath()));
         QCOMPARE(notificationRoute(), NotificationRoute::portal);
         qputenv("SNAP", "");
+        QCOMPARE(notificationRoute(), NotificationRoute::desktop);
+    }
+
+    void whatASandboxedTerminalStartsTakesTheDesktop() {
+        const QTemporaryDir terminals;
+        qputenv("SNAP", QFile::encodeName(terminals.path()));
         QCOMPARE(notificationRoute(), NotificationRoute::desktop);
     }
 
