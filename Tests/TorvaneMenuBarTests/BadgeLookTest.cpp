@@ -102,6 +102,29 @@ private Q_SLOTS:
         QCOMPARE(look().detail, u"12.3 gwei · Low"_s);
     }
 
+    void textsOfAnyLengthBecomeShortLines() {
+        const QString chain = u"Up\nand "_s + QString(1'000'000, u'N');
+        m_snapshot.l2[2].name = chain;
+        m_snapshot.l2[2].status = QString(499, u'S') + u"😀"_s + QString(1'000'000, u'S');
+        m_snapshot.l2[2].tag = QString(1'000'000, u'T');
+        m_settings->badgeChain = BadgeChain::l2(chain);
+        QCOMPARE(look().picture.icon.chain, chain); // It is what the network is known by.
+        QCOMPARE(look().name(), u"Up and "_s + QString(493, u'N') + u'…');
+        QCOMPARE(look().detail, u"0.012 gwei · "_s + QString(499, u'S') + u'…');
+        QCOMPARE(look().title(), look().name() + u": "_s + look().detail);
+        QCOMPARE(look().picture.tag.size(), 501);
+    }
+
+    void aFigureTooLongForThePanelIsStillInWords() {
+        m_snapshot.gas.low = 1e300;
+        QCOMPARE(look().picture.figure.size(), 301);
+        QVERIFY(look().picture.besideMark().figure.isEmpty());
+        QVERIFY(look().detail.startsWith(look().picture.figure + u" gwei"_s));
+        m_snapshot.gas.low = 9e23;
+        QCOMPARE(look().picture.figure.size(), 24);
+        QCOMPARE(look().picture.besideMark(), look().picture);
+    }
+
     void theUsersColoursAreFollowed() {
         QVERIFY(!look().picture.icon.colorIcon);
         m_settings->colorIcon = true;

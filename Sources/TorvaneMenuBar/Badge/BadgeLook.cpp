@@ -2,6 +2,7 @@
 
 #include "Model/Format.h"
 #include "Model/GasLevel.h"
+#include "Views/TextRun.h"
 
 #include <QLocale>
 
@@ -11,11 +12,18 @@ namespace torvane {
 
 namespace {
 
+constexpr qsizetype longestBesideMark = 24;
+
+/// Relays send what they like, and panels show it all.
+QString line(const QString& text) {
+    return TextRun::cut(text).simplified();
+}
+
 QString levelWord(const Snapshot& snapshot, const BadgeChain& chain) {
     if (chain.isEthereum())
         return word(gasLevel(snapshot.gas.baseFee));
     const L2Entry* network = findL2(chain.title(), snapshot.l2);
-    return network ? network->status : u"Unavailable"_s;
+    return network ? line(network->status) : u"Unavailable"_s;
 }
 
 /// With its unit: "12.3 gwei", "$0.79 a transfer". A Layer 2 network's figure has its own.
@@ -40,8 +48,19 @@ QStringList age(const std::optional<QDateTime>& lastUpdated, const QDateTime& no
 
 } // namespace
 
+BadgePicture BadgePicture::besideMark() const {
+    BadgePicture picture = *this;
+    if (figure.size() > longestBesideMark)
+        picture.figure.clear();
+    return picture;
+}
+
+QString BadgeLook::name() const {
+    return line(picture.icon.chain);
+}
+
 QString BadgeLook::title() const {
-    return detail.isEmpty() ? picture.icon.chain : picture.icon.chain + ": "_L1 + detail;
+    return detail.isEmpty() ? name() : name() + ": "_L1 + detail;
 }
 
 BadgeLook badgeLook(const std::optional<Snapshot>& snapshot, const std::optional<QDateTime>& lastUpdated,
@@ -50,7 +69,7 @@ BadgeLook badgeLook(const std::optional<Snapshot>& snapshot, const std::optional
     BadgePicture picture{MenuBarLabel::badgeIcon(snapshot, settings), {}, settings.menuNumber, {}};
     if (!snapshot)
         return {picture, u"No figures yet"_s};
-    picture.tag = Format::badgeTag(chain, snapshot->l2).value_or(QString());
+    picture.tag = line(Format::badgeTag(chain, snapshot->l2).value_or(QString()));
     picture.figure = MenuBarLabel::figureText(snapshot, settings).value_or(QString());
     // Whoever switched the figure off still finds it in the tooltip.
     const QString figure = Format::badgeValue(chain, snapshot->gas, snapshot->l2, settings.badgeSource, settings.denom,
