@@ -54,6 +54,7 @@ TorvaneApp::TorvaneApp(const QString& id, Updates::Relaunch relaunch)
     rebuildTimersOnChange(m_settings, m_store);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_updater, &SparkleUpdater::catchUp);
+    connect(&m_systemChanges, &SystemChanges::timeJumped, &m_feed, &BadgeFeed::lookAgain);
     connect(&m_updater, &SparkleUpdater::replaced, this, &QCoreApplication::quit);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     showBadge();

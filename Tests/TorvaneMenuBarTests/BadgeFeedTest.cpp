@@ -80,7 +80,37 @@ private Q_SLOTS:
         fireAge();
         QCOMPARE(looks.size(), 1);
         QVERIFY(qvariant_cast<BadgeLook>(looks[0][0]).detail.contains("as of"_L1));
+    }
+
+    void whenTheDayEndsOldDataComeToSayOfWhichTheyAre() {
+        const QDateTime midnight = start.toLocalTime().date().addDays(1).startOfDay();
+        publish();
+        QCoreApplication::processEvents();
+        currentTime = start.addSecs(700);
+        fireAge();
+        QCOMPARE(qint64(ageTimer()->interval()), currentTime.msecsTo(midnight));
+        QSignalSpy looks(m_feed.get(), &BadgeFeed::lookChanged);
+        currentTime = midnight.addMSecs(-1).toUTC();
+        fireAge(); // Early, as coarse timers may.
+        QVERIFY(!m_feed->look().detail.contains("as of 2026-"_L1));
+        QCOMPARE(ageTimer()->interval(), 1);
+        currentTime = midnight.toUTC();
+        fireAge();
+        QCOMPARE(looks.size(), 2);
+        QVERIFY(qvariant_cast<BadgeLook>(looks[1][0]).detail.contains("as of 2026-"_L1));
         QVERIFY(!ageTimer()->isActive()); // There is nothing more to tell.
+    }
+
+    void aTimeThatPassedUnnoticedIsNoticedWhenAskedAgain() {
+        publish();
+        QCoreApplication::processEvents();
+        QSignalSpy looks(m_feed.get(), &BadgeFeed::lookChanged);
+        currentTime = start.addDays(2);
+        m_feed->lookAgain();
+        m_feed->lookAgain();
+        QCoreApplication::processEvents();
+        QCOMPARE(looks.size(), 1);
+        QVERIFY(qvariant_cast<BadgeLook>(looks[0][0]).detail.contains("as of 2026-"_L1));
     }
 
     void aTimerThatFiresEarlyIsSetAnew() {

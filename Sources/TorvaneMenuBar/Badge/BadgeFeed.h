@@ -8,7 +8,7 @@
 namespace torvane {
 
 /// Follows the store and the settings, and says how the badge looks: once after all changes of a turn of the main
-/// loop, and when data that nobody renewed come to say how old they are.
+/// loop, and when data that nobody renewed come to say how old they are, or of which day.
 class BadgeFeed final : public QObject {
     Q_OBJECT
 
@@ -18,12 +18,15 @@ public:
 
     BadgeLook look() const;
 
+    /// Says in the loop's next turn how the badge looks, for what neither of the two tells: the windows' appearance,
+    /// and a time that passed unnoticed.
+    void lookAgain();
+
 Q_SIGNALS:
     /// It may be the same as before.
     void lookChanged(const BadgeLook& look);
 
 private:
-    void announceSoon();
     void announce();
     void awaitAge();
 

@@ -33,6 +33,10 @@ QString explained(const QString& figure, const AppSettings& settings) {
     return figure + (settings.denom == Denomination::gwei ? " gwei"_L1 : " a transfer"_L1);
 }
 
+QDate localDay(const QDateTime& time) {
+    return time.toLocalTime().date();
+}
+
 /// Hours and minutes as the user writes them. The locale of no country writes seconds too.
 QString clockTime(const QDateTime& time) {
     const QLocale locale;
@@ -40,10 +44,27 @@ QString clockTime(const QDateTime& time) {
     return locale == QLocale::c() ? local.toString(u"HH:mm"_s) : locale.toString(local, QLocale::ShortFormat);
 }
 
+/// The locale of no country writes months in words.
+QString calendarDay(const QDateTime& time) {
+    const QLocale locale;
+    const QDate day = localDay(time);
+    return locale == QLocale::c() ? day.toString(Qt::ISODate) : locale.toString(day, QLocale::ShortFormat);
+}
+
+/// The time of this day, or day and time of another one.
+QString moment(const QDateTime& time, const QDateTime& now) {
+    const bool isToday = localDay(time) == localDay(now);
+    return isToday ? clockTime(time) : calendarDay(time) + u' ' + clockTime(time);
+}
+
+bool isOld(const QDateTime& lastUpdated, const QDateTime& now) {
+    return lastUpdated.addDuration(badgeFreshness) < now;
+}
+
 QStringList age(const std::optional<QDateTime>& lastUpdated, const QDateTime& now) {
-    if (!lastUpdated || lastUpdated->addDuration(badgeFreshness) >= now)
+    if (!lastUpdated || !isOld(*lastUpdated, now))
         return {};
-    return {u"as of "_s + clockTime(*lastUpdated)};
+    return {u"as of "_s + moment(*lastUpdated, now)};
 }
 
 } // namespace
@@ -76,6 +97,14 @@ BadgeLook badgeLook(const std::optional<Snapshot>& snapshot, const std::optional
                                               snapshot->price.eth);
     const QStringList words{explained(figure, settings), levelWord(*snapshot, chain)};
     return {picture, (words + age(lastUpdated, now)).join(u" · "_s)};
+}
+
+std::optional<QDateTime> nextAge(const QDateTime& lastUpdated, const QDateTime& now) {
+    if (!isOld(lastUpdated, now))
+        return lastUpdated.addDuration(badgeFreshness).addMSecs(1);
+    if (localDay(lastUpdated) == localDay(now))
+        return localDay(now).addDays(1).startOfDay();
+    return std::nullopt;
 }
 
 } // namespace torvane

@@ -24,7 +24,8 @@ struct BadgePicture {
 };
 
 /// What the badge says, whatever it is shown on. The detail says the figure in words, with its unit: tooltips and
-/// screen readers have it beside the network's name. Both are lines that a screen has room for, whatever the relay sent.
+/// screen readers have it beside the network's name. Both are lines that a screen has room for, whatever the relay
+/// sent.
 struct BadgeLook {
     BadgePicture picture;
     QString detail;
@@ -35,11 +36,14 @@ struct BadgeLook {
     QString title() const; ///< all of it in one line
 };
 
-/// Data older than this say from when they are.
+/// Data older than this say from when they are, and those of another day from which.
 inline constexpr std::chrono::minutes badgeFreshness{10};
 
 /// The badge of what is known under the user's settings, at this time. Without a snapshot there is no figure.
 BadgeLook badgeLook(const std::optional<Snapshot>& snapshot, const std::optional<QDateTime>& lastUpdated,
                     const AppSettings& settings, const QDateTime& now);
+
+/// When data of this time come to say something else of their age; none where they never do.
+std::optional<QDateTime> nextAge(const QDateTime& lastUpdated, const QDateTime& now);
 
 } // namespace torvane
