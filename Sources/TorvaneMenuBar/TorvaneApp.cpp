@@ -92,6 +92,7 @@ void TorvaneApp::showBadge() {
     // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
     connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
             [this] { m_badge->setPreference(appearance(m_colorScheme.preference())); });
+    m_feed.follow(m_theme);
     m_badge->show(m_feed.look());
     QTimer::singleShot(patienceForBadge, this, &TorvaneApp::begin);
     m_patienceForPanels.setSingleShot(true);

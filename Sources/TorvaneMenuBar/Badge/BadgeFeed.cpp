@@ -28,6 +28,10 @@ BadgeLook BadgeFeed::look() const {
     return badgeLook(m_store.snapshot, m_store.lastUpdated, m_settings, Clock::now());
 }
 
+void BadgeFeed::follow(const Theme& theme) {
+    connect(&theme, &Theme::appearanceChanged, this, &BadgeFeed::lookAgain);
+}
+
 /// Changes are announced before they take effect, and many at a time: the badge looks once, after all of them.
 void BadgeFeed::lookAgain() {
     if (m_isStale)

@@ -2,6 +2,7 @@
 
 #include "Badge/BadgeLook.h"
 #include "Coordination/SnapshotStore.h"
+#include "Design/Theme.h"
 
 #include <QTimer>
 
@@ -18,9 +19,12 @@ public:
 
     BadgeLook look() const;
 
-    /// Says in the loop's next turn how the badge looks, for what neither of the two tells: the windows' appearance,
-    /// and a time that passed unnoticed.
+    /// Says in the loop's next turn how the badge looks, where that may differ though nothing was announced: after a
+    /// time that passed unnoticed.
     void lookAgain();
+
+    /// Looks again with each change of the windows' appearance: the colour of a dot that says nothing is theirs.
+    void follow(const Theme& theme);
 
 Q_SIGNALS:
     /// It may be the same as before.
