@@ -55,10 +55,4 @@ void Launch::comeForward() {
         m_app->comeForward();
 }
 
-void preferX11() {
-    const bool offersBoth = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("DISPLAY");
-    if (offersBoth && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "xcb;wayland");
-}
-
 } // namespace torvane

@@ -33,8 +33,4 @@ private:
     TaskScope m_tasks;
 };
 
-/// Under Wayland no program can say where its windows go, but one that takes part through X can (XWayland): where both
-/// are offered, X is chosen unless the user has chosen already. To be called before the QApplication is made.
-void preferX11();
-
 } // namespace torvane
