@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -47,10 +48,26 @@ void NetworksPanel::follow(const std::optional<Snapshot>& snapshot) {
         return;
     m_names = names;
     m_more = more;
-    fill();
+    fillSoon();
+}
+
+/// Not under a button that is pressed: its click would be lost with it.
+void NetworksPanel::fillSoon() {
+    const QAbstractButton* pressed = pressedSwitch();
+    if (!pressed)
+        fill();
+    else if (!std::exchange(m_isDue, true))
+        connect(pressed, &QAbstractButton::released, this, &NetworksPanel::fill, Qt::QueuedConnection);
+}
+
+const QAbstractButton* NetworksPanel::pressedSwitch() const {
+    const QList<Switch*> switches = findChildren<Switch*>();
+    const auto found = std::ranges::find_if(switches, &QAbstractButton::isDown);
+    return found == switches.end() ? nullptr : *found;
 }
 
 void NetworksPanel::fill() {
+    m_isDue = false;
     const QString focused = focusedNetwork();
     delete m_content;
     const QFont body = Fonts::sans(13, QFont::Normal);

@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+class QAbstractButton;
+
 namespace torvane {
 
 /// The networks that the popover lists, each with a switch; Ethereum, which it always shows, first. Of very many it
@@ -18,7 +20,9 @@ public:
 
 private:
     void follow(const std::optional<Snapshot>& snapshot);
+    void fillSoon();
     void fill();
+    const QAbstractButton* pressedSwitch() const;
     QWidget* list();
     QWidget* networkSwitch(const QString& name);
     QString focusedNetwork() const;
@@ -27,6 +31,7 @@ private:
     std::optional<QStringList> m_names; ///< of the networks that are shown; none before the first snapshot
     QString m_more;                     ///< what stands in place of the others
     QWidget* m_content = nullptr;
+    bool m_isDue = false; ///< to be filled once a switch is released
 };
 
 } // namespace torvane
