@@ -23,6 +23,9 @@ public:
     void catchUp() { m_controller.updater().catchUp(); }
 
 Q_SIGNALS:
+    /// Somebody asked for a check by hand, whose windows are about to come to the front.
+    void aboutToCheck();
+
     /// A newer version runs in this one's place: this program must end.
     void replaced();
 

@@ -56,6 +56,7 @@ TorvaneApp::TorvaneApp(const QString& id, Updates::Relaunch relaunch)
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_updater, &SparkleUpdater::catchUp);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_feed, &BadgeFeed::lookAgain);
     connect(&m_updater, &SparkleUpdater::replaced, this, &QCoreApplication::quit);
+    connect(&m_updater, &SparkleUpdater::aboutToCheck, &m_popover, &Popover::close);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     showBadge();
     QTimer::singleShot(rehearsalDelay, this, &TorvaneApp::rehearse);
@@ -115,7 +116,7 @@ void TorvaneApp::obey(BadgeCommand command) {
         refresh();
         return;
     case BadgeCommand::preferences:
-        m_preferences.open();
+        openPreferences();
         return;
     case BadgeCommand::quit:
         QCoreApplication::quit();
@@ -126,9 +127,16 @@ void TorvaneApp::obey(BadgeCommand command) {
 std::unique_ptr<QWidget> TorvaneApp::makePopoverView() {
     auto view = std::make_unique<PopoverView>(m_store, m_settings);
     connect(view.get(), &PopoverView::refreshRequested, this, &TorvaneApp::refresh);
-    connect(view.get(), &PopoverView::preferencesRequested, this, [this] { m_preferences.open(); });
+    connect(view.get(), &PopoverView::preferencesRequested, this, &TorvaneApp::openPreferences);
     connect(view.get(), &PopoverView::quitRequested, this, &QCoreApplication::quit);
     return view;
+}
+
+/// Where the popover is a popup, Qt closes it for a window that comes up, but not for an open one that is brought
+/// forward: it would stay above that, and keep the keyboard.
+void TorvaneApp::openPreferences() {
+    m_popover.close();
+    m_preferences.open();
 }
 
 void TorvaneApp::refresh() {
