@@ -23,13 +23,22 @@ popover_opens() {
     program_wait "the popover's activation" popover_is_active
 }
 
+# Sets area_x, area_y, area_width and area_height: what panels leave of the monitor that has this one.
+panels_leave() {
+    local width x
+    read -r area_x area_y area_width area_height _ < <(xprop -root _NET_WORKAREA | grep -o '[0-9].*' | tr -d ,)
+    [ -n "${RIG_MONITORS:-}" ] || return 0
+    IFS='x+ ' read -r width _ x _ <<<"$RIG_MONITORS"
+    area_width=$width area_x=$x
+}
+
 # It touches the panel's edge of the work area, and lies below the badge or, at the screen's side, as near as it can.
 popover_is_at_the_badge() {
     local X Y WIDTH HEIGHT left width middle area_x area_y area_width area_height
     eval "$(xdotool getwindowgeometry --shell "$(popover_id)")"
     IFS='x+' read -r width _ left _ <<<"$badge"
     middle=$((left + width / 2))
-    read -r area_x area_y area_width area_height _ < <(xprop -root _NET_WORKAREA | grep -o '[0-9].*' | tr -d ,)
+    panels_leave
     [ "$Y" -eq "$area_y" ] && [ $((Y + HEIGHT)) -le $((area_y + area_height)) ] &&
         [ "$X" -ge "$area_x" ] && [ $((X + WIDTH)) -le $((area_x + area_width)) ] &&
         [ "$X" -le "$middle" ] && [ $((X + WIDTH)) -ge "$middle" ]

@@ -5,6 +5,7 @@
 # RIG_PANEL         xfce, lxqt, mate, trayer (a tray for windows alone) or ayatana (a service without a face) (xfce)
 # RIG_LIMIT         seconds that a condition may take (60)
 # RIG_SCREEN        width, height and depth of the screen (1280x800x24)
+# RIG_MONITORS      monitors that the screen is divided into, each WxH+X+Y, the panel's first (one)
 # RIG_PANEL_SIZE    height of the panel in pixels (32)
 # RIG_PANEL_DARK    true or false (true); lxqt's panel has a look of its own
 # RIG_BUTTON_IMAGES true or false: whether programs on GTK show images on buttons (false, as GTK has it)
@@ -31,14 +32,14 @@ rig_enter() {
     fi
     RIG=$(mktemp -d)
     trap rig_remove EXIT
-    mkdir -p "$RIG"/{config,cache,data,home,run,log}
+    mkdir -p "$RIG"/{config,cache,data,home,run,log,tmp}
     chmod 700 "$RIG/run"
     rig_configure xfce4-panel.xml "$RIG/config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
     rig_configure lxqt-panel.conf "$RIG/config/lxqt/panel.conf"
     rig_configure mate-panel.keyfile "$RIG/config/glib-2.0/settings/keyfile"
     rig_configure gtk-settings.ini "$RIG/config/gtk-3.0/settings.ini"
     export RIG HOME=$RIG/home XDG_CONFIG_HOME=$RIG/config XDG_CACHE_HOME=$RIG/cache XDG_DATA_HOME=$RIG/data \
-        XDG_RUNTIME_DIR=$RIG/run XDG_CURRENT_DESKTOP=XFCE GSETTINGS_BACKEND=keyfile LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
+        XDG_RUNTIME_DIR=$RIG/run TMPDIR=$RIG/tmp XDG_CURRENT_DESKTOP=XFCE GSETTINGS_BACKEND=keyfile LC_ALL=C.UTF-8 NO_AT_BRIDGE=1 QT_QPA_PLATFORM=xcb
     # The keyboard library of X hands strndup bytes without an end, rightly, but the strict check takes it for an error.
     export ASAN_OPTIONS=${ASAN_OPTIONS:-}:strict_string_checks=0
     unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
@@ -72,10 +73,21 @@ rig_furnish() {
     trap rig_leave EXIT
     openbox >"$RIG/log/openbox" 2>&1 &
     rig_wait "the window manager" rig_has_window_manager
+    rig_divide_screen
     if [ -n "${RIG_PREPARE:-}" ]; then
         # shellcheck source=/dev/null
         source "$RIG_PREPARE"
     fi
+}
+
+# The only output there is belongs to the first monitor. Millimetres are for about 96 dots an inch.
+rig_divide_screen() {
+    local output=screen number=1 monitor width height x y
+    for monitor in ${RIG_MONITORS:-}; do
+        IFS='x+' read -r width height x y <<<"$monitor"
+        xrandr --setmonitor "monitor-$number" "$width/$((width * 254 / 960))x$height/$((height * 254 / 960))+$x+$y" "$output"
+        output=none number=$((number + 1))
+    done
 }
 
 # On a failure, what the programs said is all there is to learn from.

@@ -32,6 +32,12 @@ bool hasNodes(const std::optional<L2Entry>& network) {
     return network && network->rpc && !network->rpc->isEmpty();
 }
 
+/// The network may have been away: when it comes back, this is not waited for.
+void remainDue(std::optional<RepeatingTimer>& timer) {
+    if (timer)
+        timer->remainDue();
+}
+
 Request relayRequest(CachePolicy policy) {
     Request request;
     request.url = Config::snapshotURL();
@@ -152,6 +158,7 @@ Task<> SnapshotStore::refreshSnapshot(CachePolicy policy) {
         NetworkClient::forget(Config::snapshotURL());
     } catch (const std::exception&) {
         // A failed fetch is silent: the last good data stay and the next firing tries again.
+        remainDue(m_snapshotTimer);
     }
 }
 
@@ -190,6 +197,7 @@ Task<> SnapshotStore::pollEthereum() {
         ethereumBlockNumber = quote.blockNumber;
     } catch (const std::exception&) {
         // A failed poll is silent: the last quote stays until it is too old.
+        remainDue(m_ethereumTimer);
     }
     updateMergedSnapshot();
     evaluateAlert();
@@ -207,7 +215,7 @@ Task<> SnapshotStore::pollLiveL2() {
         const LiveL2Quote quote = co_await call;
         m_liveL2.insert(quote.name, TimedL2Quote{quote, Clock::now()});
     } catch (const std::exception&) {
-        // Silent, as above.
+        remainDue(m_l2Timer); // Silent, as above.
     }
     updateMergedSnapshot();
     evaluateAlert();

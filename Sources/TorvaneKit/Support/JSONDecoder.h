@@ -56,21 +56,37 @@ T readRecord(Value object) {
     return record;
 }
 
+/// Numbers: many, and appending would ask for each whether there is room.
 template <class List>
-List readList(Value array) {
-    require(array, Kind::array);
+void readPlainElements(Value array, List& list, qsizetype& index) {
     qsizetype count = 0;
     for (Value element = array.first(); element != array.past(); element = element.next())
         ++count;
-    List list(count);
-    auto next = list.begin(); // Appending would ask for each element whether there is room.
+    list.resize(count);
+    auto next = list.begin();
+    for (Value element = array.first(); element != array.past(); element = element.next(), ++index)
+        *next++ = read<typename List::value_type>(element);
+}
+
+/// Whatever is larger than its text is only made once it has been read: a document of commas would fill the memory.
+template <class List>
+void readElements(Value array, List& list, qsizetype& index) {
+    for (Value element = array.first(); element != array.past(); element = element.next(), ++index)
+        list.push_back(read<typename List::value_type>(element));
+}
+
+template <class List>
+List readList(Value array) {
+    require(array, Kind::array);
+    List list;
+    qsizetype index = 0;
     try {
-        for (Value element = array.first(); element != array.past(); element = element.next()) {
-            *next = read<typename List::value_type>(element);
-            ++next;
-        }
+        if constexpr (std::is_trivially_copyable_v<typename List::value_type>)
+            readPlainElements(array, list, index);
+        else
+            readElements(array, list, index);
     } catch (DecodingError& error) {
-        error.prepend(next - list.begin());
+        error.prepend(index);
         throw;
     }
     return list;

@@ -45,7 +45,7 @@ RepeatingTimer::~RepeatingTimer() {
 }
 
 void RepeatingTimer::fireIfOverdue() {
-    if (!m_timer || m_lastFired.msecsTo(Clock::now()) < m_timer->interval())
+    if (!m_timer || (!m_isDue && m_lastFired.msecsTo(Clock::now()) < m_timer->interval()))
         return;
     m_timer->start();
     fire();
@@ -53,6 +53,7 @@ void RepeatingTimer::fireIfOverdue() {
 
 void RepeatingTimer::fire() {
     m_lastFired = Clock::now();
+    m_isDue = false;
     const std::function<void()> action = m_action; // It may destroy this timer.
     action();
 }

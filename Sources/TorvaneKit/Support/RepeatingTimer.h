@@ -21,6 +21,9 @@ public:
     /// next interval then: a machine that sleeps holds up the timer, but not the time of day.
     void fireIfOverdue();
 
+    /// What it fired for came to nothing: it is overdue from now until it fires again, at its usual time or before.
+    void remainDue() { m_isDue = true; }
+
     RepeatingTimer(const RepeatingTimer&) = delete;
     RepeatingTimer& operator=(const RepeatingTimer&) = delete;
 
@@ -30,6 +33,7 @@ private:
     QPointer<QTimer> m_timer; // The owner's child.
     const std::function<void()> m_action;
     QDateTime m_lastFired; // Or when it began.
+    bool m_isDue = false;
 };
 
 } // namespace torvane

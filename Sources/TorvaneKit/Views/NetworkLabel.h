@@ -17,7 +17,6 @@ public:
     bool set(const QString& name, const QString& status);
 
     const QString& name() const { return m_name.text(); }
-    const QString& status() const { return m_status.text(); }
 
     /// Where the texts begin, from the mark's left edge.
     static constexpr double textStart = markSize + 10;

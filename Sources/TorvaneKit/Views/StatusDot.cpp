@@ -13,13 +13,6 @@ StatusDot::StatusDot(const QColor& color, double size, QWidget* parent)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
-void StatusDot::setColor(const QColor& color) {
-    if (color == m_color)
-        return;
-    m_color = color;
-    update();
-}
-
 void StatusDot::paint(QPainter& painter, QPointF centre, const QColor& color, double size) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

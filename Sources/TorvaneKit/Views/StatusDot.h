@@ -13,8 +13,6 @@ public:
     /// `size` is the diameter in device-independent pixels.
     explicit StatusDot(const QColor& color, double size = 7, QWidget* parent = nullptr);
 
-    void setColor(const QColor& color);
-
     /// The same circle, for widgets that draw theirs beside other things.
     static void paint(QPainter& painter, QPointF centre, const QColor& color, double size);
 
@@ -24,8 +22,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QColor m_color;
-    double m_size;
+    const QColor m_color;
+    const double m_size;
 };
 
 } // namespace torvane

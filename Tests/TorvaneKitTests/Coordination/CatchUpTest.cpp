@@ -39,6 +39,27 @@ private Q_SLOTS:
         QCOMPARE(m_live->shown().gas.baseFee, 12.0);
     }
 
+    void whatFailedWithoutANetworkIsFetchedWhenItIsBack() {
+        m_live->server.on("/snapshot.json", StandInAnswer::status(503));
+        m_live->shutNodesOff();
+        m_live->openAndRefresh();
+        m_live->setTime(1);
+        m_live->store->catchUp();
+        QTRY_COMPARE_WITH_TIMEOUT(m_live->requestsFor("/snapshot.json"), 1, 30'000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_live->requestsFor("/ethereum"), 1, 30'000);
+    }
+
+    void aNodeThatFailedIsAskedWhenTheNetworkIsBackAndTheOthersAreNot() {
+        m_live->openAndRefresh();
+        m_live->server.on("/base", StandInAnswer::status(503));
+        m_live->pollL2();
+        m_live->server.clearRequests();
+        m_live->setTime(1);
+        m_live->store->catchUp();
+        QTRY_COMPARE_WITH_TIMEOUT(m_live->requestsFor("/base"), 1, 30'000);
+        QCOMPARE(m_live->targets(), QByteArrayList{"/base"});
+    }
+
     void theNextRequestsMakeConnectionsOfTheirOwn() {
         m_live->openAndRefresh();
         const int before = m_live->server.connectionCount();

@@ -61,6 +61,16 @@ struct Call {
     static constexpr std::tuple keys{Key{"method", &Call::method}, Key{"params", &Call::parameters}};
 };
 
+/// Counts how many there have been.
+struct Counted {
+    QString name;
+
+    static inline int made = 0;
+    Counted() { ++made; }
+
+    static constexpr std::tuple keys{Key{"name", &Counted::name}};
+};
+
 struct Forgetful {
     double first;
     double second;
@@ -95,6 +105,15 @@ class JSONRecordTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aListThatOnlyAnnouncesRecordsMakesNone() {
+        Counted::made = 0;
+        const QByteArray commas = '[' + QByteArray("0,").repeated(100'000) + "0]";
+        QVERIFY_THROWS_EXCEPTION(DecodingError, JSON::decode<QList<Counted>>(commas));
+        QCOMPARE(Counted::made, 0);
+        QCOMPARE(JSON::decode<QList<Counted>>(R"([{"name":"a"},{"name":"b"}])").size(), 2);
+        QCOMPARE(Counted::made, 2);
+    }
+
     void aRecordIsReadByItsKeys() {
         const Record record = JSON::decode<Record>(with("\"shade\":\"dark\",\"text\":\"a\",\"names\":[\"b\",\"c\"]"));
         QVERIFY(record.flag);

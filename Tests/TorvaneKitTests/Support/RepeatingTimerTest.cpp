@@ -151,6 +151,17 @@ private Q_SLOTS:
         QCOMPARE(fired, expected); // The interval has just begun.
     }
 
+    void aFiringThatCameToNothingRemainsDueUntilTheNext() {
+        int fired = 0;
+        RepeatingTimer timer(this, 60, 6, [&] { ++fired; });
+        timer.remainDue();
+        QCOMPARE(fired, 0);
+        timer.fireIfOverdue();
+        QCOMPARE(fired, 1);
+        timer.fireIfOverdue();
+        QCOMPARE(fired, 1);
+    }
+
     void anOverdueTimerMayDestroyItself() {
         const auto restore = qScopeGuard([] { Clock::setSource(nullptr); });
         g_second = 1'790'000'000;
