@@ -113,6 +113,7 @@ private Q_SLOTS:
                     TestFiles::put(path, "somebody's");
             }
         };
+        worker().waitForDone(); // What it still writes of the start asks what is armed.
         FailingDisk::arm(QFile::encodeName(rig.programFolder()),
                          {.call = 1, .only = std::string_view(function), .meanwhile = exchange});
         rig.installByHand();
