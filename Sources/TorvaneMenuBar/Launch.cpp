@@ -1,9 +1,11 @@
 #include "Launch.h"
 
+#include "LaunchEnvironment.h"
 #include "Support/Notice.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -39,8 +41,8 @@ Task<> Launch::begin() {
 void Launch::run() {
     const auto relaunch = [this](QString executable) { return m_successor->relaunch(std::move(executable)); };
     m_app.emplace(m_id, relaunch);
-    if (m_isAwaited)
-        m_app->comeForward();
+    if (m_awaited)
+        bringForward(*m_awaited);
 }
 
 void Launch::end(bool answered) {
@@ -49,16 +51,16 @@ void Launch::end(bool answered) {
     QCoreApplication::exit(answered ? 0 : notHeard);
 }
 
-void Launch::comeForward() {
-    m_isAwaited = true;
+void Launch::comeForward(const QString& token) {
     if (m_app)
-        m_app->comeForward();
+        bringForward(token);
+    else
+        m_awaited = token;
 }
 
-void preferX11() {
-    const bool offersBoth = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("DISPLAY");
-    if (offersBoth && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "xcb;wayland");
+void Launch::bringForward(const QString& token) {
+    const ActivationToken leave(token, QGuiApplication::platformName());
+    m_app->comeForward();
 }
 
 } // namespace torvane

@@ -23,18 +23,15 @@ private:
     Task<> begin();
     void run();
     void end(bool answered);
-    void comeForward();
+    void comeForward(const QString& token);
+    void bringForward(const QString& token);
 
     const QString m_id;
     std::optional<ApplicationInstance> m_instance;
     std::optional<Successor> m_successor;
     std::optional<TorvaneApp> m_app;
-    bool m_isAwaited = false; // Called forward before there was anything to show.
+    std::optional<QString> m_awaited; // The token of the call that came before there was anything to bring forward.
     TaskScope m_tasks;
 };
-
-/// Under Wayland no program can say where its windows go, but one that takes part through X can (XWayland): where both
-/// are offered, X is chosen unless the user has chosen already. To be called before the QApplication is made.
-void preferX11();
 
 } // namespace torvane

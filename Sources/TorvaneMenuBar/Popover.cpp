@@ -34,8 +34,10 @@ void Popover::toggle(const QRect& badge) {
 }
 
 void Popover::open(const QRect& badge) {
-    if (isOpen())
+    if (isOpen()) {
+        m_window->bringToFront();
         return;
+    }
     if (!badge.isNull())
         m_lastBadge = badge;
     X11::DesktopQuestion desktop; // Is answered while the content is made.

@@ -29,7 +29,7 @@ public:
     /// and a null rectangle says nothing: then it is taken to lie where it was last.
     void toggle(const QRect& badge);
 
-    /// Opens it where it is not open.
+    /// Opens it, or brings the open one to the front as it is.
     void open(const QRect& badge);
 
     void close();

@@ -66,6 +66,11 @@ void PopoverWindow::open() {
     m_scroller->widget()->setFocus();
 }
 
+void PopoverWindow::bringToFront() {
+    raise();
+    activateWindow();
+}
+
 /// A content with a layout is asked to lay itself out anew; of one without, it is the parent that hears.
 bool PopoverWindow::eventFilter(QObject*, QEvent* event) {
     if (event->type() == QEvent::LayoutRequest)

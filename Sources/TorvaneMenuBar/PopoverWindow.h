@@ -28,6 +28,9 @@ public:
     /// Shows the window and gives it the keyboard.
     void open();
 
+    /// Brings the open window before the others and gives it the keyboard.
+    void bringToFront();
+
 Q_SIGNALS:
     void ended(PopoverEnd end);
 

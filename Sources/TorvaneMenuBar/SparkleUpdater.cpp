@@ -9,7 +9,10 @@ SparkleUpdater::SparkleUpdater(Updates::Properties properties, UserDefaults& def
     : m_controller(std::move(properties), defaults, download, std::move(relaunch)) {
     Updates::Updater& updater = m_controller.updater();
     m_state.automaticChecks = updater.automaticallyChecksForUpdates();
-    m_state.onCheck = [this] { m_controller.checkForUpdates(); };
+    m_state.onCheck = [this] {
+        Q_EMIT aboutToCheck();
+        m_controller.checkForUpdates();
+    };
     m_state.onSetAutomatic = [&updater](bool automatic) { updater.setAutomaticallyChecksForUpdates(automatic); };
     updater.canCheckForUpdates.observe(this, [this](bool canCheck) { deliverCanCheck(canCheck); });
     deliverCanCheck(updater.canCheckForUpdates);

@@ -26,6 +26,9 @@ public:
     void tryAgain() { m_controller.updater().tryAgain(); }
 
 Q_SIGNALS:
+    /// Somebody asked for a check by hand, whose windows are about to come to the front.
+    void aboutToCheck();
+
     /// A newer version runs in this one's place: this program must end.
     void replaced();
 

@@ -54,7 +54,9 @@ TorvaneApp::TorvaneApp(const QString& id, Updates::Relaunch relaunch)
     rebuildTimersOnChange(m_settings, m_store);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_store, &SnapshotStore::catchUp);
     connect(&m_systemChanges, &SystemChanges::timeJumped, &m_updater, &SparkleUpdater::catchUp);
+    connect(&m_systemChanges, &SystemChanges::timeJumped, &m_feed, &BadgeFeed::lookAgain);
     connect(&m_updater, &SparkleUpdater::replaced, this, &QCoreApplication::quit);
+    connect(&m_updater, &SparkleUpdater::aboutToCheck, &m_popover, &Popover::close);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_store, &SnapshotStore::catchUp);
     connect(&m_systemChanges, &SystemChanges::networkChanged, &m_updater, &SparkleUpdater::tryAgain);
     showBadge();
@@ -92,6 +94,7 @@ void TorvaneApp::showBadge() {
     // The desktop's, not the one that the user wants of our windows: panels are the desktop's.
     connect(&m_colorScheme, &ColorScheme::preferenceChanged, this,
             [this] { m_badge->setPreference(appearance(m_colorScheme.preference())); });
+    m_feed.follow(m_theme);
     m_badge->show(m_feed.look());
     QTimer::singleShot(patienceForBadge, this, &TorvaneApp::begin);
     m_patienceForPanels.setSingleShot(true);
@@ -114,7 +117,7 @@ void TorvaneApp::obey(BadgeCommand command) {
         refresh();
         return;
     case BadgeCommand::preferences:
-        m_preferences.open();
+        openPreferences();
         return;
     case BadgeCommand::quit:
         QCoreApplication::quit();
@@ -125,9 +128,16 @@ void TorvaneApp::obey(BadgeCommand command) {
 std::unique_ptr<QWidget> TorvaneApp::makePopoverView() {
     auto view = std::make_unique<PopoverView>(m_store, m_settings);
     connect(view.get(), &PopoverView::refreshRequested, this, &TorvaneApp::refresh);
-    connect(view.get(), &PopoverView::preferencesRequested, this, [this] { m_preferences.open(); });
+    connect(view.get(), &PopoverView::preferencesRequested, this, &TorvaneApp::openPreferences);
     connect(view.get(), &PopoverView::quitRequested, this, &QCoreApplication::quit);
     return view;
+}
+
+/// Where the popover is a popup, Qt closes it for a window that comes up, but not for an open one that is brought
+/// forward: it would stay above that, and keep the keyboard.
+void TorvaneApp::openPreferences() {
+    m_popover.close();
+    m_preferences.open();
 }
 
 void TorvaneApp::refresh() {

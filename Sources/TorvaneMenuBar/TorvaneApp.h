@@ -36,6 +36,7 @@ private:
     void rehearse();
     void obey(BadgeCommand command);
     std::unique_ptr<QWidget> makePopoverView();
+    void openPreferences();
     void refresh();
     void tellWhetherSeen();
 

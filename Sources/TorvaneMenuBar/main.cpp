@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Launch.h"
+#include "LaunchEnvironment.h"
 #include "Model/ApplicationId.h"
 #include "Model/Config.h"
 #include "Platform/TerminationSignals.h"
@@ -10,6 +11,8 @@
 
 #include <csignal>
 #include <cstdio>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -40,7 +43,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     // A file that may not grow further is a failed write, which the next one mends.
     std::signal(SIGXFSZ, SIG_IGN);
-    torvane::preferX11();
+    std::optional<torvane::X11Preference> platform(std::in_place);
     QApplication::setApplicationName(QStringLiteral("velisk"));
     QApplication::setApplicationVersion(torvane::Config::currentVersion());
     QApplication::setDesktopFileName(torvane::applicationId);
@@ -48,6 +51,7 @@ int main(int argc, char** argv) {
     // The same on every desktop. Named this early, the desktop's own is not even loaded.
     QApplication::setStyle(QStringLiteral("fusion"));
     QApplication application(argc, argv);
+    platform.reset();
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &application, doNotBringBack);
     QObject::connect(&application, &QGuiApplication::saveStateRequest, &application, doNotBringBack);
 

@@ -54,3 +54,21 @@ xdotool key ctrl+q
 program_wait_end
 rig_wait "the badge to leave the panel" panel_equals "$RIG/empty.png"
 rig_pass "Ctrl+Q ends the program"
+
+# What Xwayland says below a compositor of the wlroots family, where the popover is a popup and holds the keyboard.
+manager=$(xprop -root _NET_SUPPORTING_WM_CHECK | grep -o '0x[0-9a-f]*')
+xprop -id "$manager" -f _NET_WM_NAME 8u -set _NET_WM_NAME "wlroots wm"
+program_start "$program_under_test"
+program_wait "the badge in the panel again" panel_differs "$RIG/empty.png" 100
+badge=$(difference_box "$RIG/empty.png" "$RIG/now.png")
+for turn in first second; do
+    click 1 "$badge"
+    program_wait "the popover as a popup" window_id velisk >/dev/null
+    xwininfo -id "$(window_id velisk)" | grep -q 'Override Redirect State: yes' || rig_fail "the popover is no popup"
+    xdotool key ctrl+comma
+    program_wait "the preferences in front for the $turn time" window_is_active "velisk Preferences"
+    popover_wait_closed "before the preferences for the $turn time"
+done
+xdotool key ctrl+w
+program_wait "the preferences' end by the keyboard" rig_not window_id "velisk Preferences"
+rig_pass "a popover that is a popup closes for open preferences too, and leaves them the keyboard"

@@ -183,6 +183,15 @@ private Q_SLOTS:
         QCOMPARE(wideBadge(picture(u"99.9"_s), white, scale).width(), wide.width()); // It does not jump about.
     }
 
+    void aFigureTooLongForAnyPanelIsLeftOut() {
+        const QString longest(24, u'9');
+        for (const BadgeInk& ink : {white, plated}) {
+            QVERIFY(wideBadgeSize(picture(longest), ink, 3).width() > wideBadgeSize(picture({}), ink, 3).width());
+            QCOMPARE(wideBadge(picture(longest + u'9'), ink, 3), wideBadge(picture({}), ink, 3));
+            QCOMPARE(wideBadgeSize(picture(QString(301, u'9')), ink, 3), wideBadgeSize(picture({}), ink, 3));
+        }
+    }
+
     void otherFiguresLookDifferent() {
         for (const int size : sizes) {
             QVERIFY(squareBadge(picture(u"12.3"_s), white, size) != squareBadge(picture(u"12.8"_s), white, size));

@@ -2,10 +2,13 @@
 
 #include "Badge/BadgeHost.h"
 #include "Support/Clock.h"
+#include "Support/DesktopStyle.h"
 #include "Support/SimulatedMarket.h"
 #include "Support/StandInPanel.h"
 #include "Support/TemporaryHome.h"
 
+#include <QApplication>
+#include <QLocale>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
@@ -39,6 +42,7 @@ class BadgeFeedTest final : public QObject {
 private Q_SLOTS:
     void init() {
         currentTime = start;
+        QLocale::setDefault(QLocale::c());
         Clock::setSource(&simulatedTime);
         m_home = std::make_unique<TemporaryHome>();
         m_defaults =
@@ -53,6 +57,7 @@ private Q_SLOTS:
         m_store.reset();
         m_settings.reset();
         m_defaults.reset();
+        setCurrentAppearance(Appearance::light);
         Clock::setSource(nullptr);
     }
 
@@ -80,7 +85,37 @@ private Q_SLOTS:
         fireAge();
         QCOMPARE(looks.size(), 1);
         QVERIFY(qvariant_cast<BadgeLook>(looks[0][0]).detail.contains("as of"_L1));
+    }
+
+    void whenTheDayEndsOldDataComeToSayOfWhichTheyAre() {
+        const QDateTime midnight = start.toLocalTime().date().addDays(1).startOfDay();
+        publish();
+        QCoreApplication::processEvents();
+        currentTime = start.addSecs(700);
+        fireAge();
+        QCOMPARE(qint64(ageTimer()->interval()), currentTime.msecsTo(midnight));
+        QSignalSpy looks(m_feed.get(), &BadgeFeed::lookChanged);
+        currentTime = midnight.addMSecs(-1).toUTC();
+        fireAge(); // Early, as coarse timers may.
+        QVERIFY(!m_feed->look().detail.contains("as of 2026-"_L1));
+        QCOMPARE(ageTimer()->interval(), 1);
+        currentTime = midnight.toUTC();
+        fireAge();
+        QCOMPARE(looks.size(), 2);
+        QVERIFY(qvariant_cast<BadgeLook>(looks[1][0]).detail.contains("as of 2026-"_L1));
         QVERIFY(!ageTimer()->isActive()); // There is nothing more to tell.
+    }
+
+    void aTimeThatPassedUnnoticedIsNoticedWhenAskedAgain() {
+        publish();
+        QCoreApplication::processEvents();
+        QSignalSpy looks(m_feed.get(), &BadgeFeed::lookChanged);
+        currentTime = start.addDays(2);
+        m_feed->lookAgain();
+        m_feed->lookAgain();
+        QCoreApplication::processEvents();
+        QCOMPARE(looks.size(), 1);
+        QVERIFY(qvariant_cast<BadgeLook>(looks[0][0]).detail.contains("as of 2026-"_L1));
     }
 
     void aTimerThatFiresEarlyIsSetAnew() {
@@ -91,6 +126,22 @@ private Q_SLOTS:
         QVERIFY(!m_feed->look().detail.contains("as of"_L1));
         QVERIFY(ageTimer()->isActive());
         QVERIFY(ageTimer()->interval() <= 10'001);
+    }
+
+    void theGreyDotFollowsTheDesktopsAppearance() {
+        QApplication::setStyle(new DesktopStyle(Qt::white));
+        ApplicationPalette palette;
+        const ColorScheme desktop(QDBusConnection(u"none"_s), palette);
+        const Theme theme(*m_settings, desktop, palette);
+        m_feed->follow(theme);
+        publish();
+        m_settings->badgeChain = BadgeChain::l2(u"Nowhere"_s); // Unavailable.
+        QCoreApplication::processEvents();
+        QCOMPARE(m_feed->look().picture.icon.dotColor, Palette::ink3.in(Appearance::light));
+        QSignalSpy looks(m_feed.get(), &BadgeFeed::lookChanged);
+        QApplication::setStyle(new DesktopStyle(Qt::black));
+        QTRY_COMPARE_WITH_TIMEOUT(looks.size(), 1, limitMs);
+        QCOMPARE(qvariant_cast<BadgeLook>(looks[0][0]).picture.icon.dotColor, Palette::ink3.in(Appearance::dark));
     }
 
     void newerDataAreAwaitedAnew() {

@@ -102,6 +102,29 @@ private Q_SLOTS:
         QCOMPARE(look().detail, u"12.3 gwei · Low"_s);
     }
 
+    void textsOfAnyLengthBecomeShortLines() {
+        const QString chain = u"Up\nand "_s + QString(1'000'000, u'N');
+        m_snapshot.l2[2].name = chain;
+        m_snapshot.l2[2].status = QString(499, u'S') + u"😀"_s + QString(1'000'000, u'S');
+        m_snapshot.l2[2].tag = QString(1'000'000, u'T');
+        m_settings->badgeChain = BadgeChain::l2(chain);
+        QCOMPARE(look().picture.icon.chain, chain); // It is what the network is known by.
+        QCOMPARE(look().name(), u"Up and "_s + QString(493, u'N') + u'…');
+        QCOMPARE(look().detail, u"0.012 gwei · "_s + QString(499, u'S') + u'…');
+        QCOMPARE(look().title(), look().name() + u": "_s + look().detail);
+        QCOMPARE(look().picture.tag.size(), 501);
+    }
+
+    void aFigureTooLongForThePanelIsStillInWords() {
+        m_snapshot.gas.low = 1e300;
+        QCOMPARE(look().picture.figure.size(), 301);
+        QVERIFY(look().picture.besideMark().figure.isEmpty());
+        QVERIFY(look().detail.startsWith(look().picture.figure + u" gwei"_s));
+        m_snapshot.gas.low = 9e23;
+        QCOMPARE(look().picture.figure.size(), 24);
+        QCOMPARE(look().picture.besideMark(), look().picture);
+    }
+
     void theUsersColoursAreFollowed() {
         QVERIFY(!look().picture.icon.colorIcon);
         m_settings->colorIcon = true;
@@ -127,11 +150,31 @@ private Q_SLOTS:
     }
 
     void theClockTimeIsWrittenTheUsersWay() {
-        const QDateTime then(now.toLocalTime().date().addDays(-1), QTime(14, 5));
+        QCOMPARE(ageAt(endOfDay), u"as of 14:05"_s);
         QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-        QVERIFY(badgeLook(m_snapshot, then.toUTC(), *m_settings, now).detail.endsWith(" as of 14:05"_L1));
+        QCOMPARE(ageAt(endOfDay), u"as of 14:05"_s);
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        QVERIFY(badgeLook(m_snapshot, then.toUTC(), *m_settings, now).detail.endsWith(" as of 2:05 PM"_L1));
+        QCOMPARE(ageAt(endOfDay), u"as of 2:05 PM"_s);
+    }
+
+    void dataOfAnotherDaySayOfWhich() {
+        const QDateTime midnight = endOfDay.addMSecs(1);
+        QCOMPARE(ageAt(midnight), u"as of 2026-05-14 14:05"_s);
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        QCOMPARE(ageAt(midnight), u"as of 14.05.26 14:05"_s);
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QCOMPARE(ageAt(midnight), u"as of 5/14/26 2:05 PM"_s);
+        QCOMPARE(ageAt(afternoon.addYears(1)), u"as of 5/14/26 2:05 PM"_s);
+    }
+
+    void theAgeChangesAfterTenMinutesAndAtTheDaysEnd() {
+        const QDateTime old = afternoon.addMSecs(600'001);
+        QCOMPARE(nextAge(afternoon, afternoon), old);
+        QCOMPARE(nextAge(afternoon, old), endOfDay.addMSecs(1));
+        QCOMPARE(nextAge(afternoon, endOfDay), endOfDay.addMSecs(1));
+        QCOMPARE(nextAge(afternoon, endOfDay.addMSecs(1)), std::nullopt);
+        // Just before midnight they come to be old on another day already.
+        QCOMPARE(nextAge(endOfDay, endOfDay.addMSecs(600'001)), std::nullopt);
     }
 
     void dataWithoutATimeClaimNone() {
@@ -141,6 +184,15 @@ private Q_SLOTS:
     void cleanup() { m_snapshot = snapshot(); }
 
 private:
+    /// What data of the afternoon say of their age at this time.
+    QString ageAt(const QDateTime& time) const {
+        return badgeLook(m_snapshot, afternoon.toUTC(), *m_settings, time.toUTC()).detail.section(u" · "_s, -1);
+    }
+
+    /// In local time.
+    const QDateTime afternoon{QDate(2026, 5, 14), QTime(14, 5)};
+    const QDateTime endOfDay{QDate(2026, 5, 14), QTime(23, 59, 59, 999)};
+
     BadgeLook look() const { return badgeLook(m_snapshot, now, *m_settings, now); }
 
     Snapshot m_snapshot = snapshot();

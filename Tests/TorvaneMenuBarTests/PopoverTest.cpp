@@ -12,6 +12,15 @@ using namespace torvane;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace {
+
+/// Keeps from a window that it is no longer active.
+class DeafToLeaving final : public QObject {
+    bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::WindowDeactivate; }
+};
+
+} // namespace
+
 class PopoverTest final : public QObject {
     Q_OBJECT
 
@@ -45,6 +54,7 @@ private Q_SLOTS:
     void aLaterClickOpensItAgain();
     void afterEscapeAClickOpensItAtOnce();
     void openingAnOpenOneChangesNothing();
+    void openingOneThatLostTheKeyboardGivesItBack();
     void onlyThePointersPlaceKeepsClearOfTheIcon();
     void anUnknownPlaceIsTheCorner();
     void anUnknownPlaceIsTheLastOne();
@@ -193,6 +203,22 @@ void PopoverTest::openingAnOpenOneChangesNothing() {
     popover.close();
     popover.close();
     QVERIFY(!popover.isOpen());
+}
+
+void PopoverTest::openingOneThatLostTheKeyboardGivesItBack() {
+    Popover popover(makeContent());
+    showOpen(popover);
+    DeafToLeaving deaf; // As where the window manager never gave it the keyboard, so that it cannot lose it.
+    window()->installEventFilter(&deaf);
+    QWidget other;
+    other.show();
+    QApplication::setActiveWindow(&other);
+    QTRY_VERIFY(other.isActiveWindow());
+    QVERIFY(popover.isOpen());
+    popover.open({});
+    QTRY_VERIFY(window()->isActiveWindow());
+    QCOMPARE(window()->geometry(), expectedPlace(500));
+    popover.close(); // Before what it is deaf by.
 }
 
 void PopoverTest::onlyThePointersPlaceKeepsClearOfTheIcon() {

@@ -115,6 +115,20 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!updateWindow(), limitMs);
     }
 
+    void aCheckByHandIsToldBeforeItsWindowComes() {
+        start();
+        waitUntilItCanCheck();
+        QList<bool> hadWindow;
+        connect(m_bridge.get(), &SparkleUpdater::aboutToCheck, this,
+                [&hadWindow] { hadWindow.append(updateWindow() != nullptr); });
+        state().check();
+        QTRY_VERIFY_WITH_TIMEOUT(updateWindow(), limitMs);
+        QCOMPARE(hadWindow, QList<bool>{false});
+        state().check(); // For a window that is open already, too.
+        QCOMPARE(hadWindow, (QList<bool>{false, true}));
+        stop();
+    }
+
     void observersHearOfEachChangeOnce() {
         start();
         QList<bool> heard;

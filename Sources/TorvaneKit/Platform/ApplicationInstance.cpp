@@ -17,6 +17,10 @@ namespace {
 
 constexpr auto applicationInterface = "org.freedesktop.Application"_L1;
 
+/// As the Desktop Entry specification names them.
+const QString activationToken = u"activation-token"_s;
+const QString startupId = u"desktop-startup-id"_s;
+
 /// As in the D-Bus specification, "org.freedesktop.DBus.RequestName".
 constexpr uint waitInQueue = 0;
 constexpr uint doNotQueue = 4;
@@ -32,10 +36,16 @@ constexpr int ownerLimitMs = 5000;
 QVariantMap platformData() {
     QVariantMap data;
     if (const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty())
-        data.insert(u"activation-token"_s, token);
+        data.insert(activationToken, token);
     if (const QString startup = qEnvironmentVariable("DESKTOP_STARTUP_ID"); !startup.isEmpty())
-        data.insert(u"desktop-startup-id"_s, startup);
+        data.insert(startupId, startup);
     return data;
+}
+
+/// Of a launch that handed these over.
+QString tokenOf(const QVariantMap& platformData) {
+    const QString token = platformData.value(activationToken).toString();
+    return token.isEmpty() ? platformData.value(startupId).toString() : token;
 }
 
 /// A call of the bus itself.
@@ -69,8 +79,8 @@ QString ApplicationInstance::objectPath(QString id) {
 }
 
 DBusInterface ApplicationInstance::interface() {
-    const auto activate = [this](const QVariantList&) {
-        Q_EMIT activated();
+    const auto activate = [this](const QVariantList& arguments) {
+        Q_EMIT activated(tokenOf(qdbus_cast<QVariantMap>(arguments.last())));
         return dbusAnswer();
     };
     // It opens no files and has no actions, but whoever calls these wants to see it.
@@ -143,8 +153,7 @@ Task<> ApplicationInstance::release() {
 
 Task<> ApplicationInstance::takeAgain() {
     if (!m_bus.isConnected()) {
-        m_socket = new InstanceSocket(m_id, this);
-        connect(m_socket, &InstanceSocket::called, this, &ApplicationInstance::activated);
+        holdSocket();
         m_socket->bindWhenFree();
         co_return;
     }
@@ -153,9 +162,13 @@ Task<> ApplicationInstance::takeAgain() {
     co_await asking;
 }
 
-void ApplicationInstance::settleBySocket() {
+void ApplicationInstance::holdSocket() {
     m_socket = new InstanceSocket(m_id, this);
-    connect(m_socket, &InstanceSocket::called, this, &ApplicationInstance::activated);
+    connect(m_socket, &InstanceSocket::called, this, [this] { Q_EMIT activated({}); });
+}
+
+void ApplicationInstance::settleBySocket() {
+    holdSocket();
     connect(m_socket, &InstanceSocket::bound, this, &ApplicationInstance::becameFirst);
     connect(m_socket, &InstanceSocket::deferred, this, &ApplicationInstance::deferred);
     m_socket->settle();

@@ -43,8 +43,9 @@ Q_SIGNALS:
     /// There is another one. `answered` tells whether it heard of this launch.
     void deferred(bool answered);
 
-    /// Somebody launched the application once more, or asked the bus for it.
-    void activated();
+    /// Somebody launched the application once more, or asked the bus for it. The token is the launcher's leave to come
+    /// to the front; empty where there is none.
+    void activated(const QString& token);
 
 private:
     DBusInterface interface();
@@ -54,6 +55,7 @@ private:
     void activateOwner();
     void ownerAnswered(const QDBusPendingCallWatcher& reply);
     void settleBySocket();
+    void holdSocket();
 
     QDBusConnection m_bus;
     const QString m_id;

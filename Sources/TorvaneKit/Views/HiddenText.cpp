@@ -9,8 +9,7 @@
 namespace torvane {
 
 void showHiddenText(QEvent& request, const QString& hidden, QWidget& widget) {
-    const bool isEndless = hidden.size() > TextRun::mostDrawn;
-    const QString text = isEndless ? hidden.left(TextRun::mostDrawn) + QStringLiteral("…") : hidden;
+    const QString text = TextRun::cut(hidden);
     // A tool tip takes what looks like markup for markup, and breaks lines only where it is.
     const QString markup = text.isEmpty() ? QString() : Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal);
     QToolTip::showText(static_cast<QHelpEvent&>(request).globalPos(), markup, &widget);

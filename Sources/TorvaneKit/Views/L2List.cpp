@@ -4,22 +4,36 @@
 #include "Views/Composition.h"
 #include "Views/L2Row.h"
 #include "Views/PopoverText.h"
+#include "Views/ShownNetworks.h"
 #include "Views/Sparkline.h"
+#include "Views/TextLine.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace torvane {
 
+namespace {
+
+constexpr int margin = 14;
+constexpr int moreHeight = 24;
+
+} // namespace
+
 L2List::L2List(QWidget* parent)
     : QWidget(parent)
-    , m_layout(column()) {
-    setLayout(m_layout);
+    , m_layout(column())
+    , m_more(new TextLine({Fonts::sans(10.5, QFont::Medium), Palette::ink3, moreHeight})) {
+    setLayout(column(m_layout, padded({margin, 0, margin, 0}, row(m_more))));
 }
 
 void L2List::setEntries(const QList<L2Entry>& entries, Denomination denom) {
-    setRowCount(entries.size());
-    for (qsizetype i = 0; i < entries.size(); ++i)
+    setRowCount(std::min(entries.size(), mostShownNetworks));
+    for (qsizetype i = 0; i < m_rows.size(); ++i)
         fill(m_rows[i], entries[i], denom);
+    const QString more = moreNetworks(entries.size());
+    m_more->setText(more);
+    m_more->setVisible(!more.isEmpty());
 }
 
 std::optional<QString> L2List::hoveredL2() const {

@@ -13,6 +13,7 @@ namespace torvane {
 
 class L2Row;
 class Sparkline;
+class TextLine;
 
 /// The rows of Layer 2 networks, each with a small chart of its history where it has one.
 class L2List final : public QWidget {
@@ -21,7 +22,8 @@ class L2List final : public QWidget {
 public:
     explicit L2List(QWidget* parent = nullptr);
 
-    /// Shows these networks, one row each, in this order. Rows are kept and changed in place.
+    /// Shows these networks, one row each, in this order; of very many the first, and how many more there are. Rows are
+    /// kept and changed in place.
     void setEntries(const QList<L2Entry>& entries, Denomination denom);
 
     /// The network whose row is under the pointer.
@@ -43,6 +45,7 @@ private:
 
     QBoxLayout* m_layout;
     QList<Row> m_rows;
+    TextLine* m_more;
 };
 
 } // namespace torvane

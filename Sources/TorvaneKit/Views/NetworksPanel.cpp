@@ -4,16 +4,26 @@
 #include "Views/L2Metadata.h"
 #include "Views/PanelParts.h"
 #include "Views/PreferencesPanels.h"
+#include "Views/ShownNetworks.h"
 #include "Views/Switch.h"
 #include "Views/TextLabel.h"
 
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace torvane {
 
 using namespace PanelParts;
+
+namespace {
+
+constexpr int morePadding = 10;
+
+} // namespace
 
 NetworksPanel::NetworksPanel(SnapshotStore& store, AppSettings& settings, QWidget* parent)
     : QWidget(parent)
@@ -27,18 +37,37 @@ NetworksPanel::NetworksPanel(SnapshotStore& store, AppSettings& settings, QWidge
 
 void NetworksPanel::follow(const std::optional<Snapshot>& snapshot) {
     std::optional<QStringList> names;
+    QString more;
     if (snapshot) {
         names.emplace();
-        for (const L2Entry& entry : snapshot->l2)
+        for (const L2Entry& entry : snapshot->l2.first(std::min(snapshot->l2.size(), mostShownNetworks)))
             names->append(entry.name);
+        more = moreNetworks(snapshot->l2.size());
     }
-    if (names == m_names)
+    if (names == m_names && more == m_more)
         return;
     m_names = names;
-    fill();
+    m_more = more;
+    fillSoon();
+}
+
+/// Not under a button that is pressed: its click would be lost with it.
+void NetworksPanel::fillSoon() {
+    const QAbstractButton* pressed = pressedSwitch();
+    if (!pressed)
+        fill();
+    else if (!std::exchange(m_isDue, true))
+        connect(pressed, &QAbstractButton::released, this, &NetworksPanel::fill, Qt::QueuedConnection);
+}
+
+const QAbstractButton* NetworksPanel::pressedSwitch() const {
+    const QList<Switch*> switches = findChildren<Switch*>();
+    const auto found = std::ranges::find_if(switches, &QAbstractButton::isDown);
+    return found == switches.end() ? nullptr : *found;
 }
 
 void NetworksPanel::fill() {
+    m_isDue = false;
     const QString focused = focusedNetwork();
     delete m_content;
     const QFont body = Fonts::sans(13, QFont::Normal);
@@ -64,6 +93,12 @@ QWidget* NetworksPanel::list() {
     for (const QString& name : *m_names) {
         rows.append(sep());
         rows.append(row(netInfo(name, l2Kind(name)), networkSwitch(name)));
+    }
+    if (!m_more.isEmpty()) {
+        auto* more = new TextLabel(m_more, Fonts::sans(11, QFont::Normal), Palette::ink3);
+        more->setContentsMargins(0, morePadding, 0, morePadding);
+        rows.append(sep());
+        rows.append(more);
     }
     const QString note = u"Enabled networks appear in the popover's Layer 2 list. Ethereum mainnet is always shown."_s;
     return card(column(rows), note);

@@ -5,6 +5,7 @@
 #include "Model/Config.h"
 #include "Views/ChainPicker.h"
 #include "Views/PanelParts.h"
+#include "Views/ShownNetworks.h"
 #include "Views/Stepper.h"
 #include "Views/Switch.h"
 #include "Views/SymbolTile.h"
@@ -12,6 +13,7 @@
 
 #include <QHBoxLayout>
 
+#include <algorithm>
 #include <string>
 
 using namespace Qt::StringLiterals;
@@ -202,7 +204,7 @@ QWidget* PreferencesPanels::about(UpdaterState& updater) {
 QList<BadgeChain> PreferencesPanels::badgeChains(const std::optional<Snapshot>& snapshot) {
     QList<BadgeChain> chains{BadgeChain::ethereum()};
     if (snapshot) {
-        for (const L2Entry& entry : snapshot->l2)
+        for (const L2Entry& entry : snapshot->l2.first(std::min(snapshot->l2.size(), mostShownNetworks)))
             chains.append(BadgeChain::l2(entry.name));
     }
     return chains;

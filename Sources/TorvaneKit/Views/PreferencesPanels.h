@@ -16,7 +16,8 @@ QWidget* alerts(AppSettings& settings);
 QWidget* appearance(AppSettings& settings);
 QWidget* about(UpdaterState& updater);
 
-/// The networks that the badge can follow: Ethereum, then the snapshot's in their order, switched off or not.
+/// The networks that the badge can follow: Ethereum, then the snapshot's in their order, switched off or not; of very
+/// many the first.
 QList<BadgeChain> badgeChains(const std::optional<Snapshot>& snapshot);
 
 } // namespace torvane::PreferencesPanels

@@ -41,6 +41,7 @@ void Sparkline::setSeries(const QString& heading, const QList<double>& values) {
     const bool isRedrawn = values != m_values;
     m_heading = heading;
     m_values = values;
+    m_drawn = thinned(values);
     tellAccessibleName(*this, values.isEmpty() ? QString() : description(heading, values));
     if (!isRedrawn)
         return;
@@ -66,6 +67,24 @@ QList<QPointF> Sparkline::points(const QList<double>& values, QSizeF box) {
                        inset + (box.height() - 2 * inset) * (1 - height)});
     }
     return points;
+}
+
+QList<double> Sparkline::thinned(const QList<double>& values) {
+    if (values.size() <= mostDrawn)
+        return values;
+    constexpr qsizetype stretches = mostDrawn / 2 - 1;
+    const qsizetype inner = values.size() - 2;
+    QList<double> kept{values.first()};
+    kept.reserve(mostDrawn);
+    for (qsizetype i = 0; i < stretches; ++i) {
+        const auto begin = values.cbegin() + 1;
+        const auto [low, high] =
+            std::minmax_element(begin + inner * i / stretches, begin + inner * (i + 1) / stretches);
+        kept.append(*std::min(low, high));
+        kept.append(*std::max(low, high));
+    }
+    kept.append(values.last());
+    return kept;
 }
 
 QPainterPath Sparkline::line(const QList<QPointF>& points) {
@@ -103,8 +122,8 @@ void Sparkline::paintEvent(QPaintEvent*) {
     if (m_values.size() < 2)
         return;
     QPainter painter(this);
-    m_drawing.paint(painter, QRectF(rect()), m_values,
-                    [this](QPainter& drawing, const QRectF& box) { draw(drawing, box, m_values); });
+    m_drawing.paint(painter, QRectF(rect()), m_drawn,
+                    [this](QPainter& drawing, const QRectF& box) { draw(drawing, box, m_drawn); });
 }
 
 } // namespace torvane

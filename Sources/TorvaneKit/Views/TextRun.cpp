@@ -15,6 +15,13 @@ constexpr qsizetype mostKnownShapes = 256;
 
 } // namespace
 
+QString TextRun::cut(const QString& text) {
+    if (text.size() <= mostDrawn)
+        return text;
+    const bool endsWithinCharacter = text[mostDrawn - 1].isHighSurrogate();
+    return text.first(endsWithinCharacter ? mostDrawn - 1 : mostDrawn) + QStringLiteral("…");
+}
+
 bool TextRun::setText(const QString& text) {
     const QString line = text.simplified();
     if (line == m_text)

@@ -20,6 +20,9 @@ public:
     /// More characters than fit on any line: what comes after them is not even measured, which would take long.
     static constexpr qsizetype mostDrawn = 500;
 
+    /// The text as far as it can be drawn, with a "…" in place of the rest.
+    static QString cut(const QString& text);
+
     explicit TextRun(const QFont& font)
         : m_font(font) {}
 

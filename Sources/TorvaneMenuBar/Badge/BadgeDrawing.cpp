@@ -158,7 +158,8 @@ QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink) {
     return images;
 }
 
-QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+QSize wideBadgeSize(const BadgePicture& whole, const BadgeInk& ink, double scale) {
+    const BadgePicture picture = whole.besideMark();
     const int height = pixels(badgePoints, scale);
     const int ends = 2 * endMargin(picture, ink, scale);
     if (picture.figure.isEmpty())
@@ -167,7 +168,8 @@ QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double sca
     return {height + pixels(gap + rightMargin, scale) + static_cast<int>(std::ceil(figure)) + ends, height};
 }
 
-QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale) {
+QImage wideBadge(const BadgePicture& whole, const BadgeInk& ink, double scale) {
+    const BadgePicture picture = whole.besideMark();
     QImage image = canvas(wideBadgeSize(picture, ink, scale));
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);

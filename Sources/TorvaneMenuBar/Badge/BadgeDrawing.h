@@ -26,10 +26,11 @@ QList<QImage> squareBadges(const BadgePicture& picture, const BadgeInk& ink);
 /// The height of the mark with its padding, and of the badge with the figure beside the mark.
 inline constexpr int badgePoints = 18;
 
-/// The size of the badge with the figure beside the mark, in pixels, at `scale` pixels for a point.
-QSize wideBadgeSize(const BadgePicture& picture, const BadgeInk& ink, double scale);
+/// The size of the badge with the figure beside the mark, in pixels, at `scale` pixels for a point. One that is too
+/// long is left out.
+QSize wideBadgeSize(const BadgePicture& whole, const BadgeInk& ink, double scale);
 
-QImage wideBadge(const BadgePicture& picture, const BadgeInk& ink, double scale);
+QImage wideBadge(const BadgePicture& whole, const BadgeInk& ink, double scale);
 
 /// An SVG picture of the badge in one colour that panels replace by their own: those on GTK by the file's name, which
 /// must end in "-symbolic.svg", Plasma by the style within.

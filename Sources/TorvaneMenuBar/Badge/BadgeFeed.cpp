@@ -17,8 +17,8 @@ constexpr qint64 longestMs = std::numeric_limits<int>::max();
 BadgeFeed::BadgeFeed(const SnapshotStore& store, const AppSettings& settings)
     : m_store(store)
     , m_settings(settings) {
-    connect(&store, &ObservableObject::objectWillChange, this, &BadgeFeed::announceSoon);
-    connect(&settings, &ObservableObject::objectWillChange, this, &BadgeFeed::announceSoon);
+    connect(&store, &ObservableObject::objectWillChange, this, &BadgeFeed::lookAgain);
+    connect(&settings, &ObservableObject::objectWillChange, this, &BadgeFeed::lookAgain);
     m_age.setSingleShot(true);
     connect(&m_age, &QTimer::timeout, this, &BadgeFeed::announce);
     awaitAge();
@@ -28,8 +28,12 @@ BadgeLook BadgeFeed::look() const {
     return badgeLook(m_store.snapshot, m_store.lastUpdated, m_settings, Clock::now());
 }
 
+void BadgeFeed::follow(const Theme& theme) {
+    connect(&theme, &Theme::appearanceChanged, this, &BadgeFeed::lookAgain);
+}
+
 /// Changes are announced before they take effect, and many at a time: the badge looks once, after all of them.
-void BadgeFeed::announceSoon() {
+void BadgeFeed::lookAgain() {
     if (m_isStale)
         return;
     m_isStale = true;
@@ -45,12 +49,11 @@ void BadgeFeed::announce() {
 void BadgeFeed::awaitAge() {
     m_age.stop();
     const std::optional<QDateTime>& lastUpdated = m_store.lastUpdated;
-    if (!lastUpdated)
-        return;
-    // One millisecond more than fresh; a timer that fires early, as coarse ones may, is set anew.
-    const auto left = Clock::now().msecsTo(lastUpdated->addDuration(badgeFreshness)) + 1;
-    if (left > 0)
-        m_age.start(static_cast<int>(std::min(left, longestMs)));
+    const QDateTime now = Clock::now();
+    const std::optional<QDateTime> next = lastUpdated ? nextAge(*lastUpdated, now) : std::nullopt;
+    // A timer that fires early, as coarse ones may, is set anew.
+    if (next)
+        m_age.start(static_cast<int>(std::min(now.msecsTo(*next), longestMs)));
 }
 
 } // namespace torvane

@@ -2,13 +2,14 @@
 
 #include "Badge/BadgeLook.h"
 #include "Coordination/SnapshotStore.h"
+#include "Design/Theme.h"
 
 #include <QTimer>
 
 namespace torvane {
 
 /// Follows the store and the settings, and says how the badge looks: once after all changes of a turn of the main
-/// loop, and when data that nobody renewed come to say how old they are.
+/// loop, and when data that nobody renewed come to say how old they are, or of which day.
 class BadgeFeed final : public QObject {
     Q_OBJECT
 
@@ -18,12 +19,18 @@ public:
 
     BadgeLook look() const;
 
+    /// Says in the loop's next turn how the badge looks, where that may differ though nothing was announced: after a
+    /// time that passed unnoticed.
+    void lookAgain();
+
+    /// Looks again with each change of the windows' appearance: the colour of a dot that says nothing is theirs.
+    void follow(const Theme& theme);
+
 Q_SIGNALS:
     /// It may be the same as before.
     void lookChanged(const BadgeLook& look);
 
 private:
-    void announceSoon();
     void announce();
     void awaitAge();
 

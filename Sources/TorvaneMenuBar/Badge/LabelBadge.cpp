@@ -44,7 +44,8 @@ void LabelBadge::draw(const BadgePicture& picture, const BadgeInk& ink, Notifier
     look.iconName = name.value_or(QString());
     look.iconThemePath = name ? m_icons.folder() : QString();
     look.icons = name ? QList<QImage>() : squareBadges(mark, ink);
-    look.label = NotifierLabel{picture.figure, guide(picture.figure)};
+    const QString figure = picture.besideMark().figure;
+    look.label = NotifierLabel{figure, guide(figure)};
 }
 
 } // namespace torvane

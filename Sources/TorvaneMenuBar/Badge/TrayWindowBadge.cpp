@@ -129,7 +129,7 @@ void TrayWindowBadge::openMenu() {
 }
 
 void TrayWindowBadge::showToolTip() const {
-    const QString title = u"<b>"_s + m_look.picture.icon.chain.toHtmlEscaped() + u"</b>"_s;
+    const QString title = u"<b>"_s + m_look.name().toHtmlEscaped() + u"</b>"_s;
     QToolTip::showText(QCursor::pos(), title + u"<br>"_s + m_look.detail.toHtmlEscaped());
 }
 

@@ -1,11 +1,11 @@
 #include "Design/Theme.h"
 
+#include "Support/DesktopStyle.h"
 #include "Support/PrivateBus.h"
 #include "Support/TemporaryHome.h"
 
 #include <QApplication>
 #include <QMenu>
-#include <QProxyStyle>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -13,23 +13,6 @@ using namespace torvane;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Stands for a desktop: what its own windows look like.
-class DesktopStyle final : public QProxyStyle {
-public:
-    explicit DesktopStyle(const QColor& window)
-        : m_window(window) {}
-
-    using QProxyStyle::polish;
-
-    void polish(QPalette& palette) override {
-        palette.setColor(QPalette::All, QPalette::Window, m_window);
-        palette.setColor(QPalette::All, QPalette::AlternateBase, m_window);
-    }
-
-private:
-    QColor m_window;
-};
 
 /// A window that writes down the background it is painted with.
 class Window final : public QWidget {

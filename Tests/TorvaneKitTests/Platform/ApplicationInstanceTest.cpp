@@ -70,7 +70,8 @@ class ApplicationInstanceTest final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        qunsetenv("WAYLAND_DISPLAY");
+        for (const char* name : {"WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
+            qunsetenv(name);
         qputenv("DISPLAY", ":test");
     }
 
@@ -89,9 +90,26 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(first.first.size(), 1, limitMs);
         const Launch second(bus.connect());
         QTRY_COMPARE_WITH_TIMEOUT(second.deferred, QList<QVariantList>{{true}}, limitMs);
-        QCOMPARE(first.activated.size(), 1);
+        QCOMPARE(first.activated, QList<QVariantList>{{QString()}});
         QCOMPARE(second.first.size(), 0);
         QCOMPARE(second.activated.size(), 0);
+    }
+
+    void theFirstHasTheLeaveToComeForwardThatTheSecondWasGiven_data() {
+        QTest::addColumn<QByteArray>("variable");
+        QTest::newRow("Wayland") << QByteArray("XDG_ACTIVATION_TOKEN");
+        QTest::newRow("X11") << QByteArray("DESKTOP_STARTUP_ID");
+    }
+
+    void theFirstHasTheLeaveToComeForwardThatTheSecondWasGiven() {
+        QFETCH(const QByteArray, variable);
+        PrivateBus bus;
+        const Launch first(bus.connect());
+        QTRY_COMPARE_WITH_TIMEOUT(first.first.size(), 1, limitMs);
+        qputenv(variable, "kwin-7");
+        const Launch second(bus.connect());
+        QTRY_COMPARE_WITH_TIMEOUT(first.activated, QList<QVariantList>{{u"kwin-7"_s}}, limitMs);
+        qunsetenv(variable);
     }
 
     void theNameIsFreeAgainOnceTheFirstHasGone() {
@@ -136,7 +154,7 @@ private Q_SLOTS:
                  QDBusMessage::ReplyMessage);
         QCOMPARE(answer(caller, call(u"ActivateAction"_s, {u"show"_s, QVariantList(), data})).type(),
                  QDBusMessage::ReplyMessage);
-        QCOMPARE(launch.activated.size(), 3);
+        QCOMPARE(launch.activated, QList<QVariantList>(3, {u"token"_s}));
         QCOMPARE(answer(caller, call(u"Activate"_s, {7})).type(), QDBusMessage::ErrorMessage);
         QCOMPARE(launch.activated.size(), 3);
     }

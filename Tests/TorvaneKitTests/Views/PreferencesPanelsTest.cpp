@@ -8,6 +8,8 @@
 #include "Views/Stepper.h"
 #include "Views/Switch.h"
 
+#include <QPointer>
+
 #include <limits>
 
 using namespace torvane;
@@ -153,6 +155,24 @@ private Q_SLOTS:
         clickSwitch(u"Base"_s);
         QCOMPARE(settings().disabledL2.value(), (QSet<QString>{u"Linea"_s, u"Nowhere"_s}));
         QVERIFY(m_user->control<Switch>(u"Base"_s)->isChecked());
+    }
+
+    void aSwitchThatIsPressedWhileOtherNetworksComeStillFlips() {
+        m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Base"_s, u"Linea"_s});
+        m_user->open(Section::networks);
+        const QPointer<Switch> pressed = m_user->control<Switch>(u"Linea"_s);
+        QTest::mousePress(pressed, Qt::LeftButton);
+        m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Base"_s, u"Linea"_s, u"Newcomer"_s});
+        m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Linea"_s, u"Newcomer"_s});
+        QVERIFY(pressed);
+        QTest::mouseRelease(pressed, Qt::LeftButton);
+        QCOMPARE(settings().disabledL2.value(), QSet<QString>{u"Linea"_s});
+        QTRY_VERIFY_WITH_TIMEOUT(!pressed, 30'000);
+        QCOMPARE(m_user->view->findChildren<Switch*>().size(), 2);
+        QVERIFY(!m_user->control<Switch>(u"Linea"_s)->isChecked());
+        QVERIFY(m_user->control<Switch>(u"Newcomer"_s)->isChecked());
+        m_user->store->snapshot = PreferencesFixture::snapshotOf({u"Base"_s});
+        QCOMPARE(m_user->view->findChildren<Switch*>().size(), 1); // At once again.
     }
 
     void withoutASnapshotTheNetworksAreAwaited() {

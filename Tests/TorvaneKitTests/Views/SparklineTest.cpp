@@ -1,10 +1,13 @@
 #include "Views/Sparkline.h"
 
 #include "Support/PaintCounter.h"
+#include "Support/SampleSnapshot.h"
 
 #include <QTest>
 
+#include <algorithm>
 #include <limits>
+#include <numeric>
 
 using namespace torvane;
 using namespace Qt::StringLiterals;
@@ -27,6 +30,18 @@ QImage drawn(const QList<double>& values) {
 bool isNear(const QColor& a, const QColor& b) {
     return a.alpha() > 180 && std::abs(a.red() - b.red()) < 3 && std::abs(a.green() - b.green()) < 3 &&
            std::abs(a.blue() - b.blue()) < 3;
+}
+
+/// The first and the last row that the line touches.
+std::pair<int, int> inkedRows(const QImage& image) {
+    std::pair rows(image.height(), -1);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y).alpha() > 40) // More than the area below it.
+                rows = {std::min(rows.first, y), y};
+        }
+    }
+    return rows;
 }
 
 } // namespace
@@ -141,6 +156,58 @@ private Q_SLOTS:
         Sparkline sparkline;
         sparkline.setSeries(u"A"_s, values);
         QCOMPARE(sparkline.values().constData(), values.constData());
+    }
+
+    void aUsualSeriesIsDrawnAsItIs() {
+        const QList<double> values = SampleSnapshot::walk(Sparkline::mostDrawn, 10, 4, 1);
+        QCOMPARE(Sparkline::thinned(values).constData(), values.constData());
+    }
+
+    void aLongSeriesIsThinnedToItsPeaks() {
+        QList<double> values = SampleSnapshot::walk(1'000'000, 10, 4, 1);
+        values[123'457] = 50;
+        values[800'001] = -3;
+        const QList<double> thinned = Sparkline::thinned(values);
+        QCOMPARE(thinned.size(), Sparkline::mostDrawn);
+        QCOMPARE(thinned.first(), values.first());
+        QCOMPARE(thinned.last(), values.last());
+        // Where it stands in the series, as far as an eye can tell.
+        const auto place = [&](double value) { return double(thinned.indexOf(value)) / double(thinned.size()); };
+        QVERIFY(std::abs(place(50) - 0.123457) < 0.001);
+        QVERIFY(std::abs(place(-3) - 0.800001) < 0.001);
+    }
+
+    void theValuesOfAStretchKeepTheirOrder() {
+        QList<double> rising(10 * Sparkline::mostDrawn);
+        std::iota(rising.begin(), rising.end(), 0.0);
+        QList<double> thinned = Sparkline::thinned(rising);
+        QVERIFY(std::is_sorted(thinned.cbegin(), thinned.cend()));
+        std::reverse(rising.begin(), rising.end());
+        thinned = Sparkline::thinned(rising);
+        QVERIFY(std::is_sorted(thinned.crbegin(), thinned.crend()));
+        // One more than are drawn leaves no stretch without values.
+        rising.resize(Sparkline::mostDrawn + 1);
+        QCOMPARE(Sparkline::thinned(rising).size(), Sparkline::mostDrawn);
+    }
+
+    void aMillionValuesReachAsHighAndAsLowAsTheyAre() {
+        QList<double> values(1'000'000, 10.0);
+        values[300'000] = 40;
+        values[700'000] = 0;
+        const QImage image = drawn(values);
+        // By the places of the two peaks in the box: a third and two thirds of the way, at the top and at the bottom.
+        const QImage few = drawn({10, 10, 10, 40, 10, 10, 10, 0, 10, 10, 10});
+        QCOMPARE(inkedRows(image), inkedRows(few));
+    }
+
+    void aLongSeriesReadsAsAllItsFigures() {
+        QList<double> values(1'000'000, 10.0);
+        values[300'000] = 40;
+        values[700'000] = 2;
+        Sparkline sparkline;
+        sparkline.setSeries(u"A"_s, values);
+        QCOMPARE(sparkline.values().constData(), values.constData());
+        QCOMPARE(sparkline.accessibleName(), u"A: lowest 2.0 gwei, highest 40.0 gwei, latest 10.0 gwei"_s);
     }
 
     void theSameSeriesIsNotDrawnAgain() {

@@ -54,6 +54,14 @@ private Q_SLOTS:
         QCOMPARE(drawn(run(QStringLiteral("A network with a long name"), font), 190), whole);
     }
 
+    void anEndlessTextIsCutBetweenCharacters() {
+        const QString longest(TextRun::mostDrawn, QLatin1Char('a'));
+        QCOMPARE(TextRun::cut(longest), longest);
+        QCOMPARE(TextRun::cut(longest + QLatin1Char('a')), longest + QStringLiteral("…"));
+        const QString before = longest.chopped(1);
+        QCOMPARE(TextRun::cut(before + QStringLiteral("😀")), before + QStringLiteral("…"));
+    }
+
     void manyTextsPushOutOldOnesAndAllStayRight() {
         const QFont font = Fonts::mono(12, QFont::Normal);
         const double digit = run(QStringLiteral("1234"), font).width();
