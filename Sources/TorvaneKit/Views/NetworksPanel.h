@@ -10,8 +10,8 @@ class QAbstractButton;
 namespace torvane {
 
 /// The networks that the popover lists, each with a switch; Ethereum, which it always shows, first. Of very many it
-/// has the first, and says how many more there are. Follows the
-/// snapshot: the list is made anew when other networks stand in it, and not for other figures.
+/// has the first, and says how many more there are. Follows the snapshot: the list is made anew when other networks
+/// stand in it, and not for other figures.
 class NetworksPanel final : public QWidget {
     Q_OBJECT
 
