@@ -215,8 +215,9 @@ registered_items() {
         2>/dev/null | grep -o "'[^']*'" | tr -d "'" | sed 's,/.*,,'
 }
 
+# A panel that is gone has none either, which says nothing.
 panel_has_no_item() {
-    [ "$(registered_items | wc -l)" = 0 ]
+    panel_is_up && [ "$(registered_items | wc -l)" = 0 ]
 }
 
 # The bus name of the panel's item with the Id under test. Fails when there is none.
